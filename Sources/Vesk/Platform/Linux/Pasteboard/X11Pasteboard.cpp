@@ -1,0 +1,191 @@
+#include "Platform/Linux/Pasteboard/X11Pasteboard.h"
+
+#include "Foundation/ThreadName.h"
+#include "Platform/Linux/Pasteboard/KeeperStart.h"
+#include "Platform/Linux/Pasteboard/KeptSelections.h"
+#include "Platform/Linux/Pasteboard/PasteboardFormats.h"
+#include "Platform/PasteboardError.h"
+
+#include <QCoreApplication>
+#include <QCoroFuture>
+#include <QDir>
+#include <QPromise>
+
+#include <future>
+#include <memory>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+namespace vesk {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString noServer() { return u"The clipboard cannot be used, because there is no X11 display."_s; }
+
+} // namespace
+
+X11Pasteboard::X11Pasteboard(QString keeper)
+    : m_keeper(std::move(keeper))
+    , m_isServerThere(m_selections.isUsable())
+    , m_wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    , m_thread([this] { run(); })
+{
+}
+
+X11Pasteboard::~X11Pasteboard()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isEnding = true;
+    }
+    m_isHurried = true;
+    wake();
+    m_thread.join();
+    close(m_wake);
+}
+
+QString X11Pasteboard::defaultKeeper()
+{
+    return QDir::cleanPath(
+        QString(QCoreApplication::applicationDirPath() + u"/../lib/vesk/vesk-clipboard-keeper"));
+}
+
+Availability X11Pasteboard::availability() const
+{
+    return m_isServerThere ? Availability::available() : Availability::unavailable(noServer());
+}
+
+Task<PasteboardSnapshot> X11Pasteboard::read(PasteboardName board)
+{
+    std::function<PasteboardSnapshot()> work = [this, board] {
+        refuseWithoutServer();
+        const SelectionContent content = m_selections.read(atomOf(board), [this] { return !m_isHurried; });
+        return PasteboardSnapshot{itemsFor(m_selections.connection(), content.formats), content.isComplete};
+    };
+    const QFuture<PasteboardSnapshot> result = perform(std::move(work));
+    co_return co_await result;
+}
+
+Task<qint64> X11Pasteboard::write(PasteboardName board, QList<PasteboardItem> items)
+{
+    std::function<qint64()> work = [this, board, items] { return writeNow(board, items); };
+    const QFuture<qint64> result = perform(std::move(work));
+    co_return co_await result;
+}
+
+Task<qint64> X11Pasteboard::clear(PasteboardName board) { return write(board, {}); }
+
+qint64 X11Pasteboard::changeCount(PasteboardName board) const
+{
+    return m_selections.changeCount(atomOf(board));
+}
+
+bool X11Pasteboard::persist(std::chrono::milliseconds limit)
+{
+    m_isHurried = true;
+    const auto end = std::chrono::steady_clock::now() + limit;
+    const auto done = std::make_shared<std::promise<bool>>();
+    std::future<bool> answer = done->get_future();
+    std::function<bool()> work = [this, done, end] {
+        const bool isKept = persistNow(end);
+        done->set_value(isKept);
+        return isKept;
+    };
+    perform(std::move(work));
+    return answer.wait_until(end) == std::future_status::ready && answer.get();
+}
+
+bool X11Pasteboard::persistNow(std::chrono::steady_clock::time_point end)
+{
+    m_selections.handlePending();
+    if (!m_selections.isUsable() || !m_selections.ownsAnything()) {
+        return true; // nothing of ours that could be lost
+    }
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+    return left.count() > 0 && startClipboardKeeper(m_keeper, KeptSelections::packed(m_selections), left);
+}
+
+qint64 X11Pasteboard::writeNow(PasteboardName board, const QList<PasteboardItem> &items)
+{
+    refuseWithoutServer();
+    const auto count = m_selections.write(atomOf(board), formatsFor(m_selections.connection(), items));
+    if (!count) {
+        refuseWithoutServer();
+        throw PasteboardError(u"The clipboard could not be used, because the display refused it."_s);
+    }
+    return *count;
+}
+
+void X11Pasteboard::refuseWithoutServer() const
+{
+    if (!m_selections.isUsable()) {
+        throw PasteboardError(noServer());
+    }
+}
+
+xcb_atom_t X11Pasteboard::atomOf(PasteboardName board) const
+{
+    return board == PasteboardName::general ? m_selections.clipboard() : m_selections.primary();
+}
+
+template <typename Result>
+QFuture<Result> X11Pasteboard::perform(std::function<Result()> work)
+{
+    const auto promise = std::make_shared<QPromise<Result>>();
+    promise->start();
+    {
+        const std::lock_guard lock(m_mutex);
+        m_work.emplace_back([promise, work = std::move(work)] {
+            try {
+                promise->addResult(work());
+            } catch (...) {
+                promise->setException(std::current_exception());
+            }
+            promise->finish();
+        });
+    }
+    wake();
+    return promise->future();
+}
+
+void X11Pasteboard::run()
+{
+    setCurrentThreadName("vesk.clipboard");
+    while (runWork()) {
+        if (!m_selections.isUsable()) {
+            m_isServerThere = false;
+        } else {
+            m_selections.handlePending();
+        }
+        // Without a server only work can come, and each piece of it is told that there is none.
+        pollfd waiting[] = {{m_wake, POLLIN, 0}, {m_selections.descriptor(), POLLIN, 0}};
+        poll(waiting, m_isServerThere ? 2 : 1, -1);
+        eventfd_t count = 0;
+        eventfd_read(m_wake, &count);
+    }
+}
+
+/// Does what was handed over; false at the end.
+bool X11Pasteboard::runWork()
+{
+    while (true) {
+        std::function<void()> work;
+        {
+            const std::lock_guard lock(m_mutex);
+            if (m_work.empty()) {
+                return !m_isEnding;
+            }
+            work = std::move(m_work.front());
+            m_work.pop_front();
+        }
+        work();
+    }
+}
+
+void X11Pasteboard::wake() const { eventfd_write(m_wake, 1); }
+
+} // namespace vesk

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Desktop/Process.h"
+
+#include <QJsonObject>
+
+namespace vesk::test {
+
+/// A person who uses a program through the accessibility bus alone, with another library than ours. Each call
+/// waits, while the event loop runs, until the control is there; false when it does not come.
+class ControlUser {
+public:
+    explicit ControlUser(qint64 processId);
+
+    bool press(const QString &role, const QString &name);
+    bool type(const QString &name, const QString &text);
+    /// Until the control's text or name contains this.
+    bool reads(const QString &role, const QString &name, const QString &text);
+    bool isChecked(const QString &name);
+    /// Until this can be read somewhere in the program's windows, or no longer.
+    bool sees(const QString &text);
+    bool seesNoLonger(const QString &text);
+
+    /// The roles of controls that take the focus and have no name.
+    QStringList namelessControls();
+
+private:
+    QJsonObject ask(QJsonObject request);
+    bool isDone(const QJsonObject &request);
+    bool isSeen(const QString &text);
+
+    qint64 m_processId;
+    Process m_process;
+};
+
+} // namespace vesk::test

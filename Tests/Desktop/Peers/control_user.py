@@ -1,0 +1,92 @@
+#!/usr/bin/python3
+"""Uses a program's controls as an assistive program does: a line of JSON in, a line of JSON out.
+
+In: "pid", "do", and "role" and "name" of a control that shows. A control's name is that of its label, where it has one.
+  press   does the control's first action            read   "text", "states" of the control
+  type    sets its text to "text"                     texts  everything that can be read in the program's windows
+  nameless  the controls that take the focus but have no name
+Out: "ok", and what was asked for. Without such a control "ok" is false.
+"""
+import json
+import sys
+import warnings
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib
+
+warnings.simplefilter("ignore", DeprecationWarning)
+
+
+def nodes(node, depth=0):
+    if depth > 40:
+        return
+    yield node
+    for index in range(min(node.get_child_count(), 200)):
+        child = node.get_child_at_index(index)
+        if child is not None:
+            yield from nodes(child, depth + 1)
+
+
+def shown(process_id):
+    desktop = Atspi.get_desktop(0)
+    for index in range(desktop.get_child_count()):
+        application = desktop.get_child_at_index(index)
+        if application is not None and application.get_process_id() == process_id:
+            application.clear_cache()
+            for node in nodes(application):
+                if node.get_state_set().contains(Atspi.StateType.SHOWING):
+                    yield node
+
+
+def name_of(node):
+    for relation in node.get_relation_set():
+        if relation.get_relation_type() == Atspi.RelationType.LABELLED_BY:
+            return relation.get_target(0).get_name().rstrip(":")
+    return node.get_name()
+
+
+def text_of(node):
+    text = node.get_text_iface()
+    return Atspi.Text.get_text(text, 0, -1) if text is not None else node.get_name()
+
+
+def states_of(node):
+    states = node.get_state_set()
+    wanted = {"checked": Atspi.StateType.CHECKED, "enabled": Atspi.StateType.ENABLED,
+              "focused": Atspi.StateType.FOCUSED}
+    return [name for name, state in wanted.items() if states.contains(state)]
+
+
+def answer(request):
+    process_id = request["pid"]
+    if request["do"] == "texts":
+        return {"ok": True, "texts": [text_of(node) for node in shown(process_id)]}
+    if request["do"] == "nameless":
+        nameless = [node.get_role_name() for node in shown(process_id)
+                    if node.get_state_set().contains(Atspi.StateType.FOCUSABLE) and not name_of(node)
+                    and node.parent.get_role_name() != "combo box"]
+        return {"ok": True, "texts": nameless}
+    for node in shown(process_id):
+        if node.get_role_name() != request["role"] or name_of(node) != request["name"]:
+            continue
+        if request["do"] == "press":
+            return {"ok": bool(Atspi.Action.do_action(node.get_action_iface(), 0))}
+        if request["do"] == "type":
+            return {"ok": bool(Atspi.EditableText.set_text_contents(node.get_editable_text_iface(), request["text"]))}
+        return {"ok": True, "text": text_of(node), "states": states_of(node)}
+    return {"ok": False}
+
+
+Atspi.init()
+print("ready", flush=True)
+context = GLib.MainContext.default()
+for line in sys.stdin:
+    while context.iteration(False):
+        pass
+    try:
+        result = answer(json.loads(line))
+    except (GLib.Error, AttributeError, TypeError) as error:  # the control has gone, or cannot do that: ask again
+        result = {"ok": False, "why": str(error)}
+    print(json.dumps(result), flush=True)

@@ -1,0 +1,80 @@
+#include "Dictation/Resampler.h"
+
+#include "Platform/Linux/Speech/FfmpegAudioConverter.h"
+#include "Support/FakeAudioConverters.h"
+#include "Support/Tones.h"
+
+#include <gtest/gtest.h>
+
+namespace vesk {
+
+namespace {
+
+using namespace test;
+
+constexpr AudioFormat Target = {16'000, 1};
+
+TEST(ResamplerTest, capacityIsTheProportionRoundedDownAndSomeSlack)
+{
+    struct Row {
+        qsizetype frames;
+        int sampleRate;
+        qsizetype capacity;
+    };
+    for (const auto &[frames, sampleRate, capacity] :
+         {Row{4'800, 48'000, 1'632}, Row{4'410, 44'100, 1'632}, Row{1'024, 44'100, 403}, Row{1, 48'000, 32},
+          Row{0, 48'000, 32}, Row{480, 8'000, 992}, Row{160, 16'000, 192}}) {
+        EXPECT_EQ(Resampler::capacity(frames, sampleRate, 16'000), capacity)
+            << frames << " at " << sampleRate;
+    }
+}
+
+TEST(ResamplerTest, aMinuteOfMicrophoneBlocksLosesNothingToTheCapacity)
+{
+    FfmpegAudioConverters converters;
+    Resampler resampler(Target, converters);
+    const AudioFormat microphone = {44'100, 2};
+    const AudioBlock second = tone(microphone, 441, 44'100);
+    AudioBlock out = {Target, {}};
+    for (int i = 0; i < 60; ++i) {
+        for (qsizetype first = 0; first < second.frames(); first += 1'024) {
+            const auto converted = resampler.convert(part(second, first, 1'024));
+            ASSERT_TRUE(converted);
+            EXPECT_EQ(converted->format, Target);
+            EXPECT_LE(converted->frames(), Resampler::capacity(1'024, 44'100, 16'000));
+            append(out, *converted);
+        }
+    }
+    EXPECT_NEAR(static_cast<double>(out.frames()), 60 * 16'000, 32) << "only the filter may still hold sound";
+    EXPECT_NEAR(decibels(amplitudeAt(out, 441) / 0.5), 0, 0.5);
+}
+
+TEST(ResamplerTest, onlyANewInputFormatMakesANewConverter)
+{
+    FakeAudioConverters converters;
+    Resampler resampler(Target, converters);
+    for (const AudioFormat &format : {AudioFormat{48'000, 1}, AudioFormat{48'000, 1}, AudioFormat{48'000, 2},
+                                      AudioFormat{44'100, 2}, AudioFormat{44'100, 2}}) {
+        const auto converted = resampler.convert(tone(format, 440, 4'800));
+        ASSERT_TRUE(converted);
+        EXPECT_NEAR(amplitudeAt(*converted, 440), 0.5, 0.05);
+    }
+    const std::vector<std::pair<AudioFormat, AudioFormat>> expected = {
+        {{48'000, 1}, Target}, {{48'000, 2}, Target}, {{44'100, 2}, Target}};
+    EXPECT_EQ(converters.made, expected);
+}
+
+TEST(ResamplerTest, whatCannotBeConvertedGivesNothingAndTheNextGoodBlockIsHeard)
+{
+    FfmpegAudioConverters converters;
+    Resampler resampler(Target, converters);
+    EXPECT_FALSE(resampler.convert({{0, 0}, {}}));
+    EXPECT_FALSE(resampler.convert({{48'000, 0}, {}}));
+    EXPECT_FALSE(resampler.convert({{1, 1}, std::vector<float>(4'800)}));
+    EXPECT_FALSE(resampler.convert({{48'000, 1}, {}})) << "a block without frames";
+    EXPECT_TRUE(resampler.convert(tone({48'000, 1}, 440, 4'800)));
+}
+
+} // namespace
+
+} // namespace vesk

@@ -1,0 +1,109 @@
+#include "Foundation/Log.h"
+
+#include "Foundation/Files.h"
+#include "Support/TemporaryHome.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace vesk {
+
+namespace {
+
+class LogTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        Log::flush();
+        emptyTestHome();
+    }
+
+    static QList<QByteArray> lines()
+    {
+        Log::flush();
+        QList<QByteArray> all = Files::read(Log::file()).split('\n');
+        EXPECT_EQ(all.takeLast(), "");
+        return all;
+    }
+
+    static void makeFolder() { Files::makeFolder(testHome() + u"/Library/Logs"); }
+};
+
+} // namespace
+
+TEST_F(LogTest, aLineIsAUtcStampABlankAndTheMessageAsItIs)
+{
+    makeFolder();
+    Log::write(QStringLiteral("dictation how=mac chars=3>4 é"));
+    const QList<QByteArray> all = lines();
+    ASSERT_EQ(all.size(), 1);
+    static const QRegularExpression form(
+        QStringLiteral("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ dictation how=mac chars=3>4 é$"));
+    EXPECT_TRUE(form.match(QString::fromUtf8(all[0])).hasMatch()) << all[0].constData();
+    EXPECT_EQ(modeOf(Log::file()), 0600);
+}
+
+TEST_F(LogTest, linesOfSeveralThreadsAreCompleteAndInEachThreadsOrder)
+{
+    makeFolder();
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([thread] {
+            for (int line = 0; line < 50; ++line) {
+                Log::write(QStringLiteral("thread=%1 line=%2").arg(thread).arg(line));
+            }
+        });
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
+    std::vector<int> next(4, 0);
+    for (const QByteArray &line : lines()) {
+        static const QRegularExpression form(QStringLiteral("Z thread=(\\d) line=(\\d+)$"));
+        const auto match = form.match(QString::fromUtf8(line));
+        ASSERT_TRUE(match.hasMatch()) << line.constData();
+        EXPECT_EQ(match.captured(2).toInt(), next[match.captured(1).toUInt()]++);
+    }
+    EXPECT_EQ(next, std::vector<int>(4, 50));
+}
+
+TEST_F(LogTest, withoutItsFolderNothingIsCreatedAndALaterLineFindsTheFolder)
+{
+    Log::write(QStringLiteral("lost"));
+    Log::flush();
+    EXPECT_EQ(modeOf(Log::file()), -1);
+    makeFolder();
+    Log::write(QStringLiteral("kept"));
+    EXPECT_EQ(lines().size(), 1);
+}
+
+TEST_F(LogTest, linesThatWaitWhenTheProcessEndsAreHandledBeforeWhatTheyNeedGoes)
+{
+    GTEST_FLAG_SET(death_test_style,
+                   "threadsafe"); // a program of its own: a forked one has no queue's thread
+    const auto end = [] {
+        QDir().rmdir(testHome()); // exit() leaves it to nobody
+        for (int line = 0; line < 2000; ++line) {
+            Log::write(QStringLiteral("line"));
+        }
+        std::exit(0);
+    };
+    EXPECT_EXIT(end(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(LogTest, aFileThatWasMovedAwayIsStartedAnew)
+{
+    makeFolder();
+    Log::write(QStringLiteral("one"));
+    Log::flush();
+    ASSERT_TRUE(QFile::rename(Log::file(), Log::file() + u".old"));
+    Log::write(QStringLiteral("two"));
+    EXPECT_EQ(lines().size(), 1);
+}
+
+} // namespace vesk

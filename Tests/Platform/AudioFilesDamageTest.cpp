@@ -1,0 +1,169 @@
+// Sound files that are not whole: what is there is heard, and the person learns that it is not all.
+
+#include "Platform/SoundFixtures.h"
+
+#include <gmock/gmock.h>
+#include <random>
+
+namespace vesk {
+
+namespace {
+
+using namespace test;
+using testing::AnyOf;
+using testing::MatchesRegex;
+
+class AudioFilesDamageTest : public SoundFixtures {
+protected:
+    /// Ten seconds of noisy tones, so that no format can make much of it small.
+    void makeSpeech(const QString &name, const QString &options = {})
+    {
+        ASSERT_NO_FATAL_FAILURE(ffmpeg(
+            u"-f lavfi -i aevalsrc=0.5*sin(2*PI*500*t)+0.2*(random(0)-0.5):s=44100:d=10 "_s.append(options)
+                .split(u' ', Qt::SkipEmptyParts),
+            name));
+    }
+
+    void cutInHalf(const QString &name) const
+    {
+        const QByteArray whole = content(name);
+        write(name, whole.first(whole.size() / 2 + 1));
+    }
+};
+
+TEST_F(AudioFilesDamageTest, aFileCutInHalfIsHeardToItsEndAndSaysSo)
+{
+    struct Row {
+        const char *file;
+        const char *options;
+    };
+    for (const auto &[file, options] :
+         {Row{"a.wav", ""}, Row{"telephone.wav", "-c:a pcm_mulaw"}, Row{"a.aiff", ""}, Row{"a.caf", ""},
+          Row{"a.flac", ""}, Row{"a.mp3", ""}, Row{"a.m4a", "-movflags faststart"}, Row{"a.webm", ""},
+          Row{"a.mp4", "-f lavfi -i testsrc=s=160x120:d=10 -movflags faststart"},
+          Row{"a.mkv", "-f lavfi -i testsrc=s=160x120:d=10"}}) {
+        SCOPED_TRACE(file);
+        const QString name = QString::fromLatin1(file);
+        ASSERT_NO_FATAL_FAILURE(makeSpeech(name, QString::fromLatin1(options)));
+        EXPECT_EQ(text(read(name).shortfall), "");
+        cutInHalf(name);
+        const ReadSound result = read(name);
+        EXPECT_NEAR(result.seconds(), 5, 0.6);
+        EXPECT_NEAR(result.duration.value_or(AudioDuration(0)).count(), 10, 0.1) << "what the file says";
+        EXPECT_EQ(text(result.shortfall),
+                  QStringLiteral("%1 ends early: %2 of 10.0 seconds could be read")
+                      .arg(name, QString::number(result.seconds(), 'f', 1))
+                      .toStdString());
+    }
+}
+
+TEST_F(AudioFilesDamageTest, soundWhoseWriterDidNotKnowItsLengthIsWhole)
+{
+    ASSERT_NO_FATAL_FAILURE(makeSpeech(u"known.wav"_s));
+    const QByteArray known = content(u"known.wav"_s);
+    const qsizetype size = known.indexOf("data") + 4;
+    for (const quint32 unknown : {0U, 0xFFFF'FFFFU, 0x7FFF'FFFFU, 0x8000'0000U, 0x7FFF'F000U}) {
+        QByteArray streamed = known;
+        streamed.replace(size, 4, reinterpret_cast<const char *>(&unknown), 4);
+        write(u"streamed.wav"_s, streamed);
+        const ReadSound result = read(u"streamed.wav"_s);
+        EXPECT_NEAR(result.seconds(), 10, 0.01) << unknown;
+        EXPECT_EQ(result.duration, std::nullopt) << unknown;
+        EXPECT_EQ(text(result.shortfall), "") << unknown;
+    }
+}
+
+TEST_F(AudioFilesDamageTest, aDamagedStretchIsPassedOverAndMentioned)
+{
+    for (const char *file : {"a.mp3", "a.flac", "a.m4a", "a.aac", "a.ogg", "a.opus", "a.webm", "a.wv"}) {
+        SCOPED_TRACE(file);
+        const QString name = QString::fromLatin1(file);
+        ASSERT_NO_FATAL_FAILURE(makeSpeech(name));
+        QByteArray bytes = content(name);
+        bytes.replace(bytes.size() / 2, 3'000, QByteArray(3'000, '\0'));
+        write(name, bytes);
+        const ReadSound result = read(name);
+        EXPECT_GT(result.seconds(), 4.5);
+        EXPECT_NEAR(amplitudeAt(part(result.sound, result.sound.frames() - 44'100, 44'100), 500), 0.5, 0.1)
+            << "the sound behind it is heard";
+        EXPECT_THAT(text(result.shortfall),
+                    AnyOf(text(name + u" is damaged: some of its sound could not be decoded"),
+                          MatchesRegex("a\\.[a-z0-9]+ is damaged: [0-9.]+ of 10.0 seconds could be read")));
+    }
+}
+
+TEST_F(AudioFilesDamageTest, aFileThatShrinksOrGrowsWhileItIsReadEndsWhereItEnds)
+{
+    for (const char *file : {"a.wav", "a.mp3", "a.m4a", "a.flac"}) {
+        SCOPED_TRACE(file);
+        const QString name = QString::fromLatin1(file);
+        ASSERT_NO_FATAL_FAILURE(makeSpeech(name));
+        for (const qsizetype percent : {30, 200}) {
+            const QByteArray whole = content(name);
+            const auto reader = m_files.openForReading(path(name));
+            ASSERT_TRUE(reader->read());
+            QFile changing(path(name));
+            ASSERT_TRUE(changing.resize(whole.size() * percent / 100));
+            AudioDuration seconds{0};
+            while (const auto block = reader->read()) {
+                seconds += AudioDuration(static_cast<double>(block->frames()) / block->format.sampleRate);
+            }
+            EXPECT_LT(seconds.count(), percent < 100 ? 9 : 11);
+            write(name, whole);
+        }
+    }
+}
+
+/// Bytes changed, taken out or doubled, and the end cut off, at random but each time the same.
+QByteArray mangled(QByteArray bytes, std::mt19937 &random)
+{
+    const auto below = [&](qsizetype limit) {
+        return static_cast<qsizetype>(random() % static_cast<std::uint32_t>(std::max<qsizetype>(limit, 1)));
+    };
+    // Every other file is changed where lengths and formats stand.
+    const bool isHeader = below(2) == 0;
+    const auto place = [&] { return below(isHeader ? 600 : bytes.size()); };
+    for (qsizetype i = below(5); i >= 0; --i) {
+        switch (below(6)) {
+        case 0: bytes.remove(place(), below(100)); break;
+        case 1: bytes.insert(place(), bytes.mid(place(), below(100))); break;
+        case 2: bytes.truncate(below(bytes.size() * 5)); break;
+        default:
+            if (const qsizetype at = place(); at < bytes.size()) {
+                bytes[at] = static_cast<char>(random());
+            }
+        }
+    }
+    return bytes;
+}
+
+TEST_F(AudioFilesDamageTest, noDamageCrashesHangsOrFailsOtherwiseThanWithASentence)
+{
+    std::mt19937 random(20'240'229); // a fixed seed: the same files every time
+    for (const char *file : {"a.wav", "a.mp3", "a.m4a", "a.flac", "a.opus", "a.webm", "a.ts", "a.avi"}) {
+        const QString name = QString::fromLatin1(file);
+        ASSERT_NO_FATAL_FAILURE(makeTones(name, u"-ar 16000"_s, 1));
+        const QByteArray whole = content(name);
+        int heard = 0;
+        for (int i = 0; i < 60; ++i) {
+            SCOPED_TRACE(testing::Message() << file << ", change " << i);
+            write(name, mangled(whole, random));
+            try {
+                const auto reader = m_files.openForReading(path(name));
+                qsizetype blocks = 0;
+                while (reader->read()) {
+                    ASSERT_LT(++blocks, 10'000) << "a second of sound became endless";
+                }
+                reader->shortfall();
+                ++heard;
+            } catch (const AudioFileError &error) {
+                ASSERT_THAT(text(error.errorDescription()), testing::HasSubstr(file));
+            }
+        }
+        EXPECT_GT(heard, 5) << file << ": the changes must leave something to decode";
+    }
+}
+
+} // namespace
+
+} // namespace vesk

@@ -1,0 +1,119 @@
+#include "Platform/Linux/Speech/StretchCutter.h"
+
+#include "Platform/Speech/SpokenPieces.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace vesk {
+
+using namespace test;
+
+namespace {
+
+struct Heard {
+    std::vector<Stretch> stretches;
+    std::int64_t mostKept = 0; ///< samples that had to be kept at any moment
+};
+
+/// What the cutter makes of it behind a detector with the stated delays.
+Heard cut(const std::vector<Spoken> &spoken, double length, const std::function<float(double)> &energy = {})
+{
+    const StretchCutter::Rules rules;
+    StretchCutter cutter;
+    Heard heard;
+    const auto take = [&](const std::vector<Stretch> &more) {
+        heard.stretches.insert(heard.stretches.end(), more.begin(), more.end());
+    };
+    std::int64_t position = 0;
+    while (position + StretchCutter::Window <= samples(length)) {
+        position += StretchCutter::Window;
+        const bool isSpeech = isNoticed(spoken, position, rules.speechDelay, rules.silenceDelay);
+        take(cutter.add(isSpeech, energy ? energy(static_cast<double>(position) / Second) : 1.0F));
+        heard.mostKept = std::max(heard.mostKept, position - cutter.neededFrom());
+    }
+    take(cutter.finish(samples(length)));
+    return heard;
+}
+
+} // namespace
+
+TEST(StretchCutter, silenceGivesNothingAndKeepsNothing)
+{
+    const Heard heard = cut({}, 600);
+    EXPECT_TRUE(heard.stretches.empty());
+    EXPECT_LT(heard.mostKept, Second);
+}
+
+TEST(StretchCutter, shortPausesAreBridgedAndLongOnesEndAStretch)
+{
+    struct Row {
+        const char *what;
+        std::vector<Spoken> spoken;
+        std::vector<std::size_t> stretchOfPiece; // which stretch each piece must lie in, whole
+    };
+    const Row rows[] = {
+        {"one piece", {{1, 3}}, {0}},
+        {"a breath", {{1, 3}, {3.5, 5}}, {0, 0}},
+        {"a long pause", {{1, 3}, {6, 8}}, {0, 1}},
+        {"at the very beginning and end", {{0, 2}, {8, 10}}, {0, 1}},
+        {"no room for the third", {{1, 9}, {10, 18}, {19, 27}}, {0, 0, 1}},
+    };
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.what);
+        const Heard heard = cut(row.spoken, row.spoken.back().to + (row.spoken.back().to < 10 ? 4 : 0));
+        ASSERT_EQ(heard.stretches.size(), row.stretchOfPiece.back() + 1);
+        for (std::size_t piece = 0; piece < row.spoken.size(); ++piece) {
+            EXPECT_TRUE(covers(heard.stretches[row.stretchOfPiece[piece]], row.spoken[piece]))
+                << "piece " << piece;
+        }
+    }
+}
+
+TEST(StretchCutter, soundAroundTheSpeechIsKeptButNeverTheNeighboursWords)
+{
+    const Heard heard = cut({{1, 10}, {10.4, 30}, {30.3, 33}}, 40);
+    ASSERT_GE(heard.stretches.size(), 2U);
+    EXPECT_LE(heard.stretches.front().begin, samples(0.75));
+    EXPECT_GE(heard.stretches.back().end, samples(33.2));
+    for (std::size_t i = 1; i < heard.stretches.size(); ++i) {
+        EXPECT_GE(heard.stretches[i].begin, heard.stretches[i - 1].end);
+    }
+}
+
+TEST(StretchCutter, someoneWhoNeverPausesIsCutAtTheQuietestMoment)
+{
+    const double breath = 23.4;
+    const Heard heard =
+        cut({{0.5, 70}}, 75, [&](double at) { return std::abs(at - breath) < 0.05 ? 0.1F : 1.0F; });
+    ASSERT_GE(heard.stretches.size(), 3U);
+    EXPECT_NEAR(static_cast<double>(heard.stretches[0].end) / Second, breath, 0.1);
+    EXPECT_EQ(heard.stretches[0].end, heard.stretches[1].begin); // nothing lost, nothing twice
+    for (const Stretch &stretch : heard.stretches) {
+        EXPECT_LE(stretch.end - stretch.begin, 29 * Second);
+    }
+    EXPECT_LT(heard.mostKept, 30 * Second);
+}
+
+TEST(StretchCutter, nothingSaidIsEverLostWhateverThePauses)
+{
+    std::mt19937 random(20261123);
+    for (int round = 0; round < 200; ++round) {
+        const std::vector<Spoken> spoken = randomlySpoken(random, 0.3, 0.4, 4);
+        const Heard heard = cut(spoken, spoken.back().to + 1);
+        std::size_t stretch = 0;
+        for (const Spoken &piece : spoken) {
+            while (stretch < heard.stretches.size() && heard.stretches[stretch].end < samples(piece.to)) {
+                ++stretch;
+            }
+            ASSERT_LT(stretch, heard.stretches.size()) << "round " << round;
+            EXPECT_TRUE(covers(heard.stretches[stretch], piece)) << "round " << round << " at " << piece.from;
+        }
+        EXPECT_LT(heard.mostKept, 35 * Second);
+    }
+}
+
+} // namespace vesk

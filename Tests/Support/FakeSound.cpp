@@ -1,0 +1,327 @@
+#include "Support/FakeSound.h"
+
+#include "Foundation/VeskError.h"
+#include "Support/Tones.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace vesk::test {
+
+class FakeSound::Engine final : public AudioEngine {
+public:
+    explicit Engine(FakeSound &sound)
+        : m_sound(sound)
+    {
+        const std::lock_guard lock(m_sound.m_mutex);
+        m_sound.m_engines.push_back(this);
+    }
+    ~Engine() override
+    {
+        const std::lock_guard lock(m_sound.m_mutex);
+        std::erase(m_sound.m_engines, this);
+    }
+
+    void setCurrentDevice(std::optional<AudioDeviceID> device) override
+    {
+        const std::lock_guard lock(m_sound.m_mutex);
+        m_current = device;
+    }
+    AudioFormat inputFormat() override
+    {
+        const std::lock_guard lock(m_sound.m_mutex);
+        if (m_sound.m_isDenied) {
+            throw VeskError::microphoneDenied();
+        }
+        return chosen() == 0 ? AudioFormat() : m_sound.m_format;
+    }
+    void installTap(qsizetype bufferSize, const AudioFormat &format, Tap tap) override
+    {
+        const std::lock_guard lock(m_sound.m_mutex);
+        m_bufferSize = bufferSize;
+        m_tapFormat = format;
+        m_tap = std::move(tap);
+    }
+    void removeTap() override
+    {
+        const std::lock_guard lock(m_sound.m_mutex);
+        m_tap = {};
+    }
+    void prepare() override {}
+    void start() override
+    {
+        const std::lock_guard lock(m_sound.m_mutex);
+        m_recorded = 0;
+        m_reported = chosen();
+        if (m_sound.m_isFrozen) {
+            throw FakeServerError();
+        }
+        if (m_reported == 0) {
+            throw VeskError::noMicrophone();
+        }
+        m_recorded = m_reported;
+    }
+    bool isRunning() const override
+    {
+        const std::lock_guard lock(m_sound.m_mutex);
+        return m_recorded != 0;
+    }
+    void stop() override
+    {
+        const std::lock_guard lock(m_sound.m_mutex);
+        m_recorded = 0;
+    }
+    void setConfigurationChangeHandler(std::function<void()> handler) override
+    {
+        const std::lock_guard lock(m_sound.m_mutex);
+        m_handler = std::move(handler);
+    }
+
+    // The rest under the mutex:
+    AudioDeviceID recorded() const { return m_recorded; }
+    void hand(const AudioBlock &block, CaptureTime captured) const
+    {
+        if (m_tap && m_recorded != 0 && block.format == m_tapFormat && block.frames() <= m_bufferSize) {
+            m_tap(block, captured);
+        }
+    }
+    void changed(bool isForced)
+    {
+        const bool isLost = m_recorded != 0 && m_sound.find(m_recorded) == nullptr;
+        m_recorded = isLost ? 0 : m_recorded;
+        const AudioDeviceID wanted = chosen();
+        if (m_handler && (isForced || isLost || (wanted != m_recorded && wanted != m_reported))) {
+            m_reported = wanted;
+            m_handler();
+        }
+    }
+
+private:
+    AudioDeviceID chosen() const
+    {
+        if (m_current && m_sound.find(*m_current) != nullptr) {
+            return *m_current;
+        }
+        const Device *standard = m_sound.find(m_sound.m_default);
+        return standard == nullptr || !m_sound.m_isUp ? 0 : standard->id;
+    }
+
+    FakeSound &m_sound;
+    std::optional<AudioDeviceID> m_current;
+    AudioFormat m_tapFormat;
+    qsizetype m_bufferSize = 0;
+    Tap m_tap;
+    AudioDeviceID m_recorded = 0;
+    AudioDeviceID m_reported = 0;
+    std::function<void()> m_handler;
+};
+
+FakeSound::FakeSound(Source source)
+{
+    if (source == Source::tones) {
+        m_player = std::thread([this] { play(); });
+    }
+}
+
+FakeSound::~FakeSound()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isEnding = true;
+    }
+    m_ended.notify_all();
+    if (m_player.joinable()) {
+        m_player.join();
+    }
+}
+
+void FakeSound::setFormat(const AudioFormat &format)
+{
+    const std::lock_guard lock(m_mutex);
+    m_format = format;
+}
+
+void FakeSound::setDenied(bool isDenied)
+{
+    const std::lock_guard lock(m_mutex);
+    m_isDenied = isDenied;
+}
+
+void FakeSound::deliver(const AudioBlock &block, AudioEngine::CaptureTime captured)
+{
+    std::thread([&] {
+        const std::lock_guard lock(m_mutex);
+        for (const Engine *engine : m_engines) {
+            engine->hand(block, captured);
+        }
+    }).join();
+}
+
+void FakeSound::reportChange()
+{
+    std::thread([this] {
+        const std::lock_guard lock(m_mutex);
+        for (Engine *engine : m_engines) {
+            engine->changed(true);
+        }
+    }).join();
+}
+
+int FakeSound::engineCount() const
+{
+    const std::lock_guard lock(m_mutex);
+    return static_cast<int>(m_engines.size());
+}
+
+int FakeSound::recordings() const
+{
+    const std::lock_guard lock(m_mutex);
+    return static_cast<int>(std::count_if(m_engines.begin(), m_engines.end(),
+                                          [](const Engine *engine) { return engine->recorded() != 0; }));
+}
+
+void FakeSound::plug(const QString &name, AudioTransport transport)
+{
+    const std::lock_guard lock(m_mutex);
+    m_devices.push_back({m_nextID++, name, transport});
+    m_default = m_devices.size() == 1 ? name : m_default;
+    tellEngines();
+}
+
+void FakeSound::unplug(const QString &name)
+{
+    const std::lock_guard lock(m_mutex);
+    std::erase_if(m_devices, [&name](const Device &device) { return device.name == name; });
+    if (m_default == name) {
+        m_default = m_devices.empty() ? QString() : m_devices.front().name;
+    }
+    tellEngines();
+}
+
+void FakeSound::makeDefault(const QString &name)
+{
+    const std::lock_guard lock(m_mutex);
+    m_default = name;
+    tellEngines();
+}
+
+void FakeSound::sound(const QString &device, double frequency)
+{
+    const std::lock_guard lock(m_mutex);
+    if (Device *found = find(device)) { // else the speaker, which no microphone here hears
+        found->frequency = frequency;
+    }
+}
+
+void FakeSound::endServer()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isUp = false;
+    for (Device &device : m_devices) {
+        device.id = m_nextID++;
+    }
+    tellEngines();
+}
+
+void FakeSound::startServer()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isUp = true;
+    tellEngines();
+}
+
+void FakeSound::freezeServer()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isFrozen = true;
+}
+
+void FakeSound::thawServer()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isFrozen = false;
+}
+
+Availability FakeSound::availability() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_isUp ? Availability::available()
+                  : Availability::unavailable(QStringLiteral("The fake server ended"));
+}
+
+std::optional<AudioDeviceID> FakeSound::defaultInput() const
+{
+    const std::lock_guard lock(m_mutex);
+    const auto found = std::find_if(m_devices.begin(), m_devices.end(),
+                                    [this](const Device &device) { return device.name == m_default; });
+    return m_isUp && found != m_devices.end() ? std::optional(found->id) : std::nullopt;
+}
+
+std::optional<QString> FakeSound::name(AudioDeviceID device) const
+{
+    const std::lock_guard lock(m_mutex);
+    const Device *found = find(device);
+    return found == nullptr ? std::nullopt : std::optional<QString>(u"The " + found->name);
+}
+
+std::optional<AudioTransport> FakeSound::transport(AudioDeviceID device) const
+{
+    const std::lock_guard lock(m_mutex);
+    const Device *found = find(device);
+    return found == nullptr ? std::nullopt : std::optional(found->transport);
+}
+
+std::vector<AudioDeviceID> FakeSound::inputDevices() const
+{
+    const std::lock_guard lock(m_mutex);
+    std::vector<AudioDeviceID> devices;
+    for (const Device &device : m_devices) {
+        devices.push_back(device.id);
+    }
+    return m_isUp ? devices : std::vector<AudioDeviceID>();
+}
+
+std::unique_ptr<AudioEngine> FakeSound::make() { return std::make_unique<Engine>(*this); }
+
+FakeSound::Device *FakeSound::find(const QString &name)
+{
+    const auto found = std::find_if(m_devices.begin(), m_devices.end(),
+                                    [&name](const Device &device) { return device.name == name; });
+    return found == m_devices.end() ? nullptr : &*found;
+}
+
+const FakeSound::Device *FakeSound::find(AudioDeviceID device) const
+{
+    const auto found = std::find_if(m_devices.begin(), m_devices.end(),
+                                    [device](const Device &each) { return each.id == device; });
+    return m_isUp && found != m_devices.end() ? &*found : nullptr;
+}
+
+void FakeSound::tellEngines()
+{
+    for (Engine *engine : m_engines) {
+        engine->changed(false);
+    }
+}
+
+void FakeSound::play()
+{
+    constexpr std::array<qsizetype, 4> Lengths = {480, 0, 1, 959}; // frames: all that hardware has tried
+    std::unique_lock lock(m_mutex);
+    for (std::size_t turn = 0; !m_isEnding; ++turn) {
+        const qsizetype frames = Lengths.at(turn % Lengths.size());
+        for (Device &device : m_devices) {
+            const AudioBlock sound = tone(m_format, device.frequency, device.played + frames);
+            for (const Engine *engine : m_engines) {
+                if (engine->recorded() == device.id) {
+                    engine->hand(part(sound, device.played, frames), std::chrono::steady_clock::now());
+                }
+            }
+            device.played = (device.played + frames) % m_format.sampleRate; // whole periods in a second
+        }
+        m_ended.wait_for(lock, std::chrono::milliseconds(5));
+    }
+}
+
+} // namespace vesk::test
