@@ -48,6 +48,7 @@ TEST_F(Offline, everyExchangeWithoutACompleteAnswer)
         {"stops within a chunked body", Manner::stall, true},
         {"closes within a failure", Manner::cutOff, false, {500, R"({"error":"upstream"})", {}}},
         {"stops within a failure", Manner::stall, false, {500, R"({"error":"upstream"})", {}}},
+        {"ends its chunks within the text", Manner::whole, true, jsonAnswer(R"({"text":"all of)")},
         {"speaks something else", Manner::bare, false, jsonAnswer("SSH-2.0-OpenSSH_9.2\r\n")},
     };
     for (const Row &row : rows) {

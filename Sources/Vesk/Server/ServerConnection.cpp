@@ -122,13 +122,18 @@ bool isOfTransport(QNetworkReply::NetworkError error)
     }
 }
 
-/// Whether the connection ended before the body did. Mostly Qt says so itself; when the status is an error
-/// and the end arrives together with the last bytes, it calls the answer complete. It takes the length away
-/// where it unpacks the body.
+/// Whether the connection ended before the body did. Mostly Qt says so itself; where it learns of the end before
+/// it has read any of the body, it calls the answer complete: a failure by its status, and any answer in chunks.
+/// A body whose length is not known (in chunks, or unpacked by Qt, which takes the length away) shows it by an
+/// object that is never closed.
 bool endsEarly(const QNetworkReply &reply, const QByteArray &body)
 {
     const QVariant length = reply.header(QNetworkRequest::ContentLengthHeader);
-    return length.isValid() && body.size() < length.toLongLong();
+    if (length.isValid()) {
+        return body.size() < length.toLongLong();
+    }
+    const QByteArrayView text = QByteArrayView(body).trimmed();
+    return text.startsWith('{') && !text.endsWith('}');
 }
 
 /// Qt's words for what went wrong; they name the address, never the token or the body.
