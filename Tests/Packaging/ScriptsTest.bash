@@ -69,7 +69,7 @@ casesOfBothKindsAreCounted() {
 
 aFailedCaseIsCountedOnceAndFailsTheRun() {
     printf '%s\n' '[       OK ] A.b (0 ms)' '[  FAILED  ] A.c (1 ms)' ' 1 FAILED TEST' '[  FAILED  ] A.c' >last
-    echo '50% tests passed, 1 tests failed out of 2' >closing
+    { cat last && echo '50% tests passed, 1 tests failed out of 2'; } >closing # shows what failed once more
     _count
     expect "one failure" [ "$status:$out" = "1:1 passed, 1 failed" ]
 }
