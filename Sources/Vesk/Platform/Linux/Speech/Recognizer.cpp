@@ -3,14 +3,13 @@
 #include "Foundation/Log.h"
 #include "Foundation/Text.h"
 #include "Foundation/VeskError.h"
+#include "Platform/Linux/Speech/SecondLook.h"
 #include "Platform/Linux/Speech/StretchCutter.h"
 
 #include <QFile>
 
 #include <algorithm>
-#include <limits>
 #include <mutex>
-#include <numeric>
 #include <random>
 #include <sherpa-onnx/c-api/c-api.h>
 #include <vector>
@@ -101,14 +100,6 @@ QString RecognizerError::errorDescription() const
 
 namespace {
 
-/// Sound that was resampled has nothing at all in its highest frequencies, which the model was never taught:
-/// it then returns no text for whole sentences. A whisper of noise gives it the air of a room. Measured on 25
-/// clips as they are and brought to 48 kHz before: without noise 4.4 and 8.9 % of the words are wrong, with
-/// noise 66 dB below full scale 4.4 and 6.7 %, 54 dB below 4.8 and 4.5 %. So the fainter comes first, the
-/// louder when nothing was heard.
-constexpr float FaintNoise = 0.0005F;
-constexpr float AudibleNoise = 0.002F;
-
 void addNoise(std::span<float> sound, float amplitude)
 {
     std::minstd_rand
@@ -131,23 +122,6 @@ auto withRecognizerErrors(const QString &modelName, const Action &action)
         Log::write(u"speech model error "_s + describe(error));
         throw RecognizerError(modelName);
     }
-}
-
-/// The middle of the quietest 30 ms in the middle third, where a word is least likely to be cut.
-std::size_t quietestMiddle(std::span<const float> samples)
-{
-    constexpr std::size_t Window = StretchCutter::Window;
-    std::size_t best = samples.size() / 2;
-    float least = std::numeric_limits<float>::max();
-    for (std::size_t at = samples.size() / 3; at + Window <= samples.size() * 2 / 3; at += Window) {
-        const auto window = samples.subspan(at, Window);
-        const float energy = std::inner_product(window.begin(), window.end(), window.begin(), 0.0F);
-        if (energy < least) {
-            least = energy;
-            best = at + Window / 2;
-        }
-    }
-    return best;
 }
 
 } // namespace
@@ -173,25 +147,6 @@ struct Recognizer::Implementation {
         SherpaOnnxDecodeOfflineStream(recognizer.get(), stream.get());
         const ResultHandle result(SherpaOnnxGetOfflineStreamResult(stream.get()));
         return result && result->text != nullptr ? QString::fromUtf8(result->text).trimmed() : QString();
-    }
-
-    QString hear(std::span<const float> samples) const
-    {
-        QString text = decode(samples, FaintNoise);
-        // Someone speaks in it, or it would not have come here: what the model does not hear the first time,
-        // it hears behind more noise or in parts.
-        constexpr std::size_t WorthASecondLook = 2 * StretchCutter::SampleRate;
-        if (!text.isEmpty() || samples.size() < WorthASecondLook) {
-            return text;
-        }
-        text = decode(samples, AudibleNoise);
-        if (!text.isEmpty()) {
-            return text;
-        }
-        const std::size_t middle = quietestMiddle(samples);
-        const QString first = decode(samples.first(middle), AudibleNoise);
-        const QString second = decode(samples.subspan(middle), AudibleNoise);
-        return QString(first + u' ' + second).trimmed();
     }
 };
 
@@ -221,7 +176,11 @@ Recognizer::~Recognizer() = default;
 QString Recognizer::recognize(std::span<const float> samples)
 {
     const std::lock_guard lock(m_implementation->mutex);
-    return withRecognizerErrors(m_implementation->modelName, [&] { return m_implementation->hear(samples); });
+    return withRecognizerErrors(m_implementation->modelName, [&] {
+        return hearAll(samples, [this](std::span<const float> sound, float noise) {
+            return m_implementation->decode(sound, noise);
+        });
+    });
 }
 
 void Recognizer::warmUp()
