@@ -5,6 +5,8 @@
 
 #include <QCoroDBusPendingCall>
 
+#include <functional>
+
 namespace vesk::FocusFinder {
 
 namespace {
@@ -69,39 +71,43 @@ Task<std::optional<Found>> withWindows(AtspiSessionPointer session, QStringList 
     co_return std::nullopt;
 }
 
-/// The windows with the title of the window in front, of those that a program calls active.
-Task<QList<Reference>> titled(AtspiSessionPointer session, QList<Reference> windows, QString title,
-                              Patience patience)
+/// Those windows whose answer fits; `calls` holds the question to each of them.
+Task<QList<Reference>> fitting(QList<Reference> windows, QList<QDBusPendingCall> calls,
+                               std::function<bool(const QDBusMessage &)> fits)
 {
-    QList<QDBusPendingCall> calls;
-    for (const Reference &window : windows) {
-        calls.append(session->bus().property(patience, window, atspi::AccessibleInterface, u"Name"_s));
-    }
     const QList<QDBusMessage> replies = co_await answers(calls);
     QList<Reference> matching;
     for (qsizetype i = 0; i < windows.size(); ++i) {
-        if (atspi::property(replies[i]).toString() == title) {
+        if (fits(replies[i])) {
             matching.append(windows[i]);
         }
     }
     co_return matching;
 }
 
-Task<QList<Reference>> active(AtspiSessionPointer session, QList<Reference> windows, Patience patience)
+/// The windows with the title of the window in front, of those that a program calls active.
+Task<QList<Reference>> titled(const AtspiSessionPointer &session, const QList<Reference> &windows,
+                              const QString &title, Patience patience)
+{
+    QList<QDBusPendingCall> calls;
+    for (const Reference &window : windows) {
+        calls.append(session->bus().property(patience, window, atspi::AccessibleInterface, u"Name"_s));
+    }
+    return fitting(windows, calls,
+                   [title](const QDBusMessage &reply) { return atspi::property(reply).toString() == title; });
+}
+
+Task<QList<Reference>> active(const AtspiSessionPointer &session, const QList<Reference> &windows,
+                              Patience patience)
 {
     QList<QDBusPendingCall> calls;
     for (const Reference &window : windows) {
         calls.append(session->bus().call(patience, window, atspi::AccessibleInterface, u"GetState"_s));
     }
-    const QList<QDBusMessage> replies = co_await answers(calls);
-    QList<Reference> matching;
-    for (qsizetype i = 0; i < windows.size(); ++i) {
-        const auto states = atspi::states(replies[i]);
-        if (states && states->has(atspi::State::active)) {
-            matching.append(windows[i]);
-        }
-    }
-    co_return matching;
+    return fitting(windows, calls, [](const QDBusMessage &reply) {
+        const auto states = atspi::states(reply);
+        return states && states->has(atspi::State::active);
+    });
 }
 
 /// A window's process need not be the one on the bus: programs have helpers, and a sandbox has numbers of its
