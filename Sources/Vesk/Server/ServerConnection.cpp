@@ -122,10 +122,10 @@ bool isOfTransport(QNetworkReply::NetworkError error)
     }
 }
 
-/// Whether the connection ended before the body did. Mostly Qt says so itself; where it learns of the end before
-/// it has read any of the body, it calls the answer complete: a failure by its status, and any answer in chunks.
-/// A body whose length is not known (in chunks, or unpacked by Qt, which takes the length away) shows it by an
-/// object that is never closed.
+/// Whether the connection ended before the body did. Mostly Qt says so itself; where it learns of the end
+/// before it has read any of the body, it calls the answer complete: a failure by its status, and any answer
+/// in chunks. A body whose length is not known (in chunks, or unpacked by Qt, which takes the length away)
+/// shows it by an object that is never closed.
 bool endsEarly(const QNetworkReply &reply, const QByteArray &body)
 {
     const QVariant length = reply.header(QNetworkRequest::ContentLengthHeader);
