@@ -150,6 +150,24 @@ TEST_F(KeysTest, aKeyThatIsDownWhenWatchingBeginsStartsNothing)
     EXPECT_EQ(lateSaid, (QStringList{u"P"_s, u"R"_s}));
 }
 
+TEST_F(KeysTest, aReleaseThatWaitedForABusyProgramSaysForHowLong)
+{
+    using Clock = std::chrono::steady_clock;
+    std::optional<Clock::time_point> released;
+    hotkey.onRelease = [&](HotkeyKey) { released = Clock::now() - hotkey.age(); };
+    screen.keyDown(RightAlt);
+    ASSERT_TRUE(eventually([this] { return !said.isEmpty(); }));
+    const auto before = Clock::now() - std::chrono::milliseconds(1); // the display counts whole ones
+    screen.keyUp(RightAlt);
+    const auto after = Clock::now();
+    while (Clock::now() < after + std::chrono::milliseconds(400)) {
+        screen.isKeyDown(RightAlt); // too busy to read events
+    }
+    ASSERT_TRUE(eventually([&] { return released.has_value(); }));
+    EXPECT_GE(*released, before);
+    EXPECT_LE(*released, after);
+}
+
 TEST_F(KeysTest, keysThatVeskPressesItselfAreNotReported)
 {
     screen.keyDown(RightAlt);

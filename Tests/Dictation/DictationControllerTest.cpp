@@ -202,6 +202,17 @@ TEST_F(ControllerTest, pressesTapsAndOtherKeysFollowTheirRules)
     EXPECT_TRUE(awaitIdle());
     EXPECT_EQ(history.entries().size(), 1);
 
+    clock.advance(1s);
+    controller->pressed(rightOption);
+    clock.advance(700ms);
+    controller->released(rightOption, 410ms);
+    EXPECT_TRUE(controller->isIdle()) << "a tap whose end had to wait";
+    clock.advance(500ms);
+    controller->pressed(rightOption, 470ms);
+    EXPECT_EQ(display.last(), u"listening locked"_s) << "and a press that had to wait";
+    controller->stopListening({});
+
+    clock.advance(1s);
     controller->pressed(rightOption);
     clock.advance(100ms);
     controller->released(rightOption);

@@ -44,8 +44,8 @@ AppDelegate::AppDelegate(const Services &services)
                    *this)
     , m_hotkey(services.desktop.keyEvents(), [this] { return m_controller.config().watchedKeys(); })
 {
-    m_hotkey.onPress = [this](HotkeyKey key) { m_controller.pressed(key); };
-    m_hotkey.onRelease = [this](HotkeyKey key) { m_controller.released(key); };
+    m_hotkey.onPress = [this](HotkeyKey key) { m_controller.pressed(key, m_hotkey.age()); };
+    m_hotkey.onRelease = [this](HotkeyKey key) { m_controller.released(key, m_hotkey.age()); };
     m_hotkey.onOtherKey = [this] { m_controller.otherKeyUsed(); };
     // Hands-free dictation ends by a key, and a locked screen has none.
     m_services.desktop.setLockHandler(

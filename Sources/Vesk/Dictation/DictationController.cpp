@@ -64,11 +64,12 @@ bool DictationController::isSignedIn() const
     return ServerClient::current(m_services.server).token().has_value();
 }
 
-void DictationController::pressed(HotkeyKey key)
+void DictationController::pressed(HotkeyKey key, std::chrono::milliseconds ago)
 {
+    const Time at = m_services.clock.monotonic() - ago;
     if (const auto *listening = std::get_if<Listening>(&m_phase)) {
         if (listening->isLocked) {
-            finish();
+            finish(at);
         }
         return;
     }
@@ -76,24 +77,23 @@ void DictationController::pressed(HotkeyKey key)
         return;
     }
     reloadConfig();
-    const bool isLocked =
-        m_lastTap && m_lastTap->first == key && m_services.clock.monotonic() - m_lastTap->second < DoubleTap;
+    const bool isLocked = m_lastTap && m_lastTap->first == key && at - m_lastTap->second < DoubleTap;
     m_lastTap.reset();
-    begin(key == m_config.commandKey(), isLocked);
+    begin(key == m_config.commandKey(), {isLocked, at});
 }
 
-void DictationController::released(HotkeyKey key)
+void DictationController::released(HotkeyKey key, std::chrono::milliseconds ago)
 {
     const auto *listening = std::get_if<Listening>(&m_phase);
     if (listening == nullptr || listening->isLocked) {
         return;
     }
-    const Time now = m_services.clock.monotonic();
-    if (now - listening->since < ShortPress) {
+    const Time at = m_services.clock.monotonic() - ago;
+    if (at - listening->since < ShortPress) {
         abort({});
-        m_lastTap = {key, now};
+        m_lastTap = {key, at};
     } else {
-        finish();
+        finish(at);
     }
 }
 
@@ -106,7 +106,7 @@ void DictationController::otherKeyUsed()
     }
 }
 
-void DictationController::begin(bool isCommand, bool isLocked)
+void DictationController::begin(bool isCommand, Listening listening)
 {
     if (m_configError) {
         m_display.flash(*m_configError, SettingsMessageTime);
@@ -124,13 +124,13 @@ void DictationController::begin(bool isCommand, bool isLocked)
     }
     const quint64 number = ++m_sessionNumber;
     const Session session = startSession(isCommand || (m_config.speech == u"cloud" && signedIn));
-    m_phase = Listening{isLocked, m_services.clock.monotonic()};
+    m_phase = listening;
     m_session = session;
     m_isCommand = isCommand;
     const Focus focus = captureFocus(isCommand);
     m_focus = focus;
     m_display.setIndicator(Indicator::listening);
-    m_display.showListening(isLocked, isCommand);
+    m_display.showListening(listening.isLocked, isCommand);
     launch(u"recording"_s, watchStart(session, number));
     if (!m_session) {
         return; // it failed at once, and the person knows
@@ -142,7 +142,7 @@ void DictationController::begin(bool isCommand, bool isLocked)
     }
 }
 
-void DictationController::finish()
+void DictationController::finish(Time at)
 {
     if (!m_session) {
         return;
@@ -153,7 +153,7 @@ void DictationController::finish()
     job.config = m_config;
     job.focus = std::exchange(m_focus, {});
     job.isCommand = m_isCommand;
-    job.start = m_services.clock.monotonic();
+    job.start = at;
     job.seconds = std::chrono::duration<double>(job.start - std::get<Listening>(m_phase).since).count();
     m_phase = Working();
     m_display.setIndicator(Indicator::working);

@@ -70,8 +70,10 @@ public:
     DictationController(const DictationController &) = delete;
     DictationController &operator=(const DictationController &) = delete;
 
-    void pressed(HotkeyKey key);
-    void released(HotkeyKey key);
+    /// `ago` is how long the keyboard's word has waited for us: a tap and a hold are told apart by the
+    /// fingers.
+    void pressed(HotkeyKey key, std::chrono::milliseconds ago = {});
+    void released(HotkeyKey key, std::chrono::milliseconds ago = {});
     void otherKeyUsed();
 
     /// Drops what is being recorded, if anything is: nobody can end it any more.
@@ -125,8 +127,8 @@ private:
     };
 
     // DictationController.cpp: the phases
-    void begin(bool isCommand, bool isLocked);
-    void finish();
+    void begin(bool isCommand, Listening listening);
+    void finish(Time at);
     void abort(const std::optional<QString> &message);
     void fail(const std::exception_ptr &error);
     void dropSession();

@@ -29,6 +29,7 @@ void Hotkey::stop()
 
 KeyUse Hotkey::handle(const KeyEvent &event)
 {
+    m_age = event.age;
     if (m_held) {
         handleWhileHeld(*m_held, event);
         return KeyUse::ignored;

@@ -24,6 +24,9 @@ public:
     std::function<void(HotkeyKey)> onRelease = [](HotkeyKey) {};
     std::function<void()> onOtherKey = [] {};
 
+    /// How long ago the keyboard said what the running callback is told.
+    std::chrono::milliseconds age() const { return m_age; }
+
     /// Starts watching, afresh if it did already.
     void start();
     void stop();
@@ -36,6 +39,7 @@ private:
     KeyEvents &m_events;
     Keys m_keys;
     std::vector<std::unique_ptr<KeyMonitor>> m_monitors;
+    std::chrono::milliseconds m_age{0};
     std::optional<HotkeyKey> m_held; ///< at most one: a second watched key is another key
 };
 

@@ -2,6 +2,7 @@
 
 #include "Platform/Availability.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -17,8 +18,15 @@ struct KeyEvent {
     KeyEventType type = KeyEventType::keyDown;
     int keyCode = 0;
     quint64 modifierFlags = 0; ///< after the event
+    /// How long ago the key moved, so that a busy main thread does not make a hold of a tap; 0 where nobody
+    /// knows, and for a release that was made up.
+    std::chrono::milliseconds age{0};
 
-    friend bool operator==(const KeyEvent &, const KeyEvent &) = default;
+    /// Whether the same happened, whenever it was heard of.
+    friend bool operator==(const KeyEvent &a, const KeyEvent &b)
+    {
+        return a.type == b.type && a.keyCode == b.keyCode && a.modifierFlags == b.modifierFlags;
+    }
 };
 
 /// What became of an event. A key that was taken means something to Vesk alone, so the program with the focus

@@ -108,13 +108,17 @@ std::optional<KeyboardDisplay::Event> KeyboardDisplay::nextEvent()
             continue;
         }
         const int type = event.xcookie.evtype;
-        const int keyCode =
-            type == XI_HierarchyChanged ? 0 : static_cast<const XIRawEvent *>(event.xcookie.data)->detail;
+        Event found = {Event::devicesChanged, 0, 0};
+        if (type != XI_HierarchyChanged) {
+            const auto *key = static_cast<const XIRawEvent *>(event.xcookie.data);
+            found.keyCode = key->detail;
+            found.time = static_cast<unsigned>(key->time);
+        }
         XFreeEventData(display, &event.xcookie);
         switch (type) {
-        case XI_RawKeyPress: return Event{Event::press, keyCode};
-        case XI_RawKeyRelease: return Event{Event::release, keyCode};
-        case XI_HierarchyChanged: return Event{Event::devicesChanged, 0};
+        case XI_RawKeyRelease: found.kind = Event::release; return found;
+        case XI_RawKeyPress: found.kind = Event::press; return found;
+        case XI_HierarchyChanged: return found;
         default: break;
         }
     }
@@ -189,7 +193,7 @@ void KeyboardDisplay::tapUnusedKey(InjectedKeys &injected)
     injected.expect(key, false);
     XTestFakeKeyEvent(display, static_cast<unsigned>(key), True, CurrentTime);
     XTestFakeKeyEvent(display, static_cast<unsigned>(key), False, CurrentTime);
-    XFlush(display);
+    XSync(display, False); // a busy display may take another program's keys first, the release among them
 }
 
 bool KeyboardDisplay::isCoveredByLocker() const

@@ -14,6 +14,7 @@ public:
     struct Event {
         enum Kind { press, release, devicesChanged } kind;
         int keyCode;
+        unsigned time; ///< the display's, in milliseconds; starts anew every 49 days
     };
 
     /// Null without a display or without XInput 2.2.

@@ -18,6 +18,16 @@ namespace {
 /// How long a lost release may stay unnoticed; asked only while a key is down.
 constexpr auto LostKeyInterval = 200ms;
 
+/// A display on this machine counts the milliseconds of the monotonic clock, so that its time tells how long
+/// an event has waited for us. One elsewhere counts from another beginning; what cannot be a wait is none.
+std::chrono::milliseconds ageOf(unsigned displayTime)
+{
+    using namespace std::chrono;
+    const auto now = duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+    const milliseconds age(static_cast<unsigned>(now) - displayTime);
+    return age <= 10s ? age : 0ms;
+}
+
 } // namespace
 
 class XInputKeyEvents::Monitor final : public KeyMonitor {
@@ -115,8 +125,8 @@ void XInputKeyEvents::readEvents()
     }
     while (const auto event = m_display->nextEvent()) {
         switch (event->kind) {
-        case KeyboardDisplay::Event::press: handleKey(event->keyCode, true); break;
-        case KeyboardDisplay::Event::release: handleKey(event->keyCode, false); break;
+        case KeyboardDisplay::Event::press:
+        case KeyboardDisplay::Event::release: handleKey(*event); break;
         case KeyboardDisplay::Event::devicesChanged: releaseLostKeys(); break;
         }
     }
@@ -128,19 +138,20 @@ void XInputKeyEvents::readEvents()
     }
 }
 
-void XInputKeyEvents::handleKey(int xKeyCode, bool isPress)
+void XInputKeyEvents::handleKey(const KeyboardDisplay::Event &event)
 {
-    if (m_injected.take(xKeyCode, isPress)) {
+    const bool isPress = event.kind == KeyboardDisplay::Event::press;
+    if (m_injected.take(event.keyCode, isPress)) {
         return;
     }
     if (isPress) {
-        press(xKeyCode);
+        press(event.keyCode, ageOf(event.time));
     } else {
-        release(xKeyCode);
+        release(event.keyCode, ageOf(event.time));
     }
 }
 
-void XInputKeyEvents::press(int xKeyCode)
+void XInputKeyEvents::press(int xKeyCode, std::chrono::milliseconds age)
 {
     const auto modifier = modifierKey(xKeyCode);
     // Whether the screen is locked costs round trips, too many for every letter that a person types: other
@@ -151,18 +162,18 @@ void XInputKeyEvents::press(int xKeyCode)
         return;
     }
     if (!modifier) {
-        report({KeyEventType::keyDown, OtherKeyCode, flags()});
+        report({KeyEventType::keyDown, OtherKeyCode, flags(), age});
         return;
     }
     m_down.insert(xKeyCode);
     m_lostKeyCheck.start();
-    if (report({KeyEventType::flagsChanged, modifier->keyCode, flags()}) == KeyUse::taken
+    if (report({KeyEventType::flagsChanged, modifier->keyCode, flags(), age}) == KeyUse::taken
         && m_display->opensMenuWhenAlone(xKeyCode)) {
         m_display->tapUnusedKey(m_injected);
     }
 }
 
-void XInputKeyEvents::release(int xKeyCode)
+void XInputKeyEvents::release(int xKeyCode, std::chrono::milliseconds age)
 {
     if (m_down.erase(xKeyCode) == 0) {
         return; // went down before anybody watched, or its release was made up
@@ -171,7 +182,7 @@ void XInputKeyEvents::release(int xKeyCode)
         m_lostKeyCheck.stop();
     }
     if (const auto modifier = modifierKey(xKeyCode)) {
-        report({KeyEventType::flagsChanged, modifier->keyCode, flags()});
+        report({KeyEventType::flagsChanged, modifier->keyCode, flags(), age});
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "Platform/KeyEvents.h"
 #include "Platform/Linux/Keys/InjectedKeys.h"
+#include "Platform/Linux/Keys/KeyboardDisplay.h"
 #include "Platform/Linux/Keys/ScreenLock.h"
 
 #include <QObject>
@@ -12,8 +13,6 @@
 #include <set>
 
 namespace vesk {
-
-class KeyboardDisplay;
 
 /// Keys through XInput2's raw events: they come whatever program has the focus or grabs the keyboard, and
 /// watching them takes nothing from anybody. One connection of its own to the display. Main thread.
@@ -39,9 +38,9 @@ private:
 
     Availability open();
     void readEvents();
-    void handleKey(int xKeyCode, bool isPress);
-    void press(int xKeyCode);
-    void release(int xKeyCode);
+    void handleKey(const KeyboardDisplay::Event &event);
+    void press(int xKeyCode, std::chrono::milliseconds age);
+    void release(int xKeyCode, std::chrono::milliseconds age = {});
     void releaseLostKeys();
     KeyUse report(const KeyEvent &event);
     quint64 flags() const;
