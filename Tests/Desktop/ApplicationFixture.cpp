@@ -34,6 +34,33 @@ void ApplicationTest::configure(Config config, bool isSignedIn)
     application();
 }
 
+Config ApplicationTest::byUpload()
+{
+    Config config;
+    config.speech = u"cloud"_s;
+    return config;
+}
+
+QByteArray ApplicationTest::clipboard()
+{
+    try {
+        return run(u"xclip"_s, {u"-selection"_s, u"clipboard"_s, u"-o"_s});
+    } catch (const std::runtime_error &) { // between two owners
+        return {};
+    }
+}
+
+std::unique_ptr<Process> ApplicationTest::copy(const QByteArray &text)
+{
+    auto program = std::make_unique<Process>(
+        u"xclip"_s,
+        Process::Options{{u"-selection"_s, u"clipboard"_s, u"-quiet"_s}, QProcess::SeparateChannels, {}, {}});
+    program->write(text);
+    program->closeInput();
+    EXPECT_TRUE(eventually([&text] { return clipboard() == text; }));
+    return program;
+}
+
 QString ApplicationTest::briefly()
 {
     const QString clip = QDir::homePath() + u"/brief.wav";

@@ -49,6 +49,14 @@ protected:
     /// was sent.
     QStringList placesOf(const QString &secret) const;
 
+    /// Settings for the road over the server.
+    static Config byUpload();
+
+    /// A program that the person copies from; it runs until somebody else copies.
+    static std::unique_ptr<Process> copy(const QByteArray &text);
+    /// What another program would paste.
+    static QByteArray clipboard();
+
     VeskServer server;
     Screen screen;
     FieldReader reader;

@@ -16,27 +16,11 @@ namespace {
 
 constexpr int EndKey = 115;
 
-QByteArray clipboard()
-{
-    try {
-        return run(u"xclip"_s, {u"-selection"_s, u"clipboard"_s, u"-o"_s});
-    } catch (const std::runtime_error &) { // between two owners
-        return {};
-    }
-}
-
 Config onThisMachine(bool cleanup = false)
 {
     Config config;
     config.speech = u"mac"_s;
     config.cleanup = cleanup;
-    return config;
-}
-
-Config byUpload()
-{
-    Config config;
-    config.speech = u"cloud"_s;
     return config;
 }
 
@@ -56,11 +40,7 @@ TEST_F(ApplicationTest, theSpokenWordsStandInTheEditorAndTheClipboardComesBack)
     const auto editor = startMousepad(screen, u"He wrote:"_s);
     ASSERT_EQ(textOf(*editor, isSomething), u"He wrote:"_s);
     screen.tap(EndKey);
-    Process copied(u"xclip"_s,
-                   {{u"-selection"_s, u"clipboard"_s, u"-quiet"_s}, QProcess::SeparateChannels, {}, {}});
-    copied.write("a person's own");
-    copied.closeInput();
-    ASSERT_TRUE(eventually([] { return clipboard() == "a person's own"; }));
+    const auto copied = copy("a person's own");
     application().dictate(QStringLiteral(VESK_TEST_SPEECH_FOLDER "/sample.wav"));
     const QString text = textOf(*editor, [](const QString &now) { return now.size() > 40; });
     EXPECT_TRUE(text.startsWith(u"He wrote: "_s)) << qPrintable(text);

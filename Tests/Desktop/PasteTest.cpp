@@ -40,22 +40,6 @@ void expectOnClipboard(const ClipboardOwner::Contents &contents)
     }
 }
 
-/// Processes of this display by their name, which the kernel cuts after 15 bytes.
-int countRunning(const QByteArray &name)
-{
-    int count = 0;
-    for (const QString &id : QDir(u"/proc"_s).entryList(QDir::Dirs)) {
-        QFile command(QString(u"/proc/"_s + id + u"/comm"_s));
-        QFile environment(QString(u"/proc/"_s + id + u"/environ"_s));
-        if (command.open(QIODevice::ReadOnly) && command.readAll().trimmed() == name
-            && environment.open(QIODevice::ReadOnly)
-            && environment.readAll().contains(qgetenv("XDG_RUNTIME_DIR"))) {
-            ++count;
-        }
-    }
-    return count;
-}
-
 class PasteOnDesktop : public PasteFixture {};
 
 /// A case for each program.

@@ -1,6 +1,8 @@
 #include "Desktop/Process.h"
 
 #include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <csignal>
@@ -102,6 +104,21 @@ QByteArray run(const QString &program, const QStringList &arguments, std::chrono
              + QString::fromLocal8Bit(process.readAllStandardError()));
     }
     return process.readAllStandardOutput();
+}
+
+int countRunning(const QByteArray &name)
+{
+    int count = 0;
+    for (const QString &id : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        QFile command(QString(u"/proc/" + id + u"/comm"));
+        QFile environment(QString(u"/proc/" + id + u"/environ"));
+        if (command.open(QIODevice::ReadOnly) && command.readAll().trimmed() == name
+            && environment.open(QIODevice::ReadOnly)
+            && environment.readAll().contains(qgetenv("XDG_RUNTIME_DIR"))) {
+            ++count;
+        }
+    }
+    return count;
 }
 
 } // namespace vesk::test

@@ -53,4 +53,7 @@ private:
 QByteArray run(const QString &program, const QStringList &arguments,
                std::chrono::milliseconds limit = std::chrono::seconds(20));
 
+/// How many processes of this desktop have the name, which the kernel cuts after 15 bytes.
+int countRunning(const QByteArray &name);
+
 } // namespace vesk::test

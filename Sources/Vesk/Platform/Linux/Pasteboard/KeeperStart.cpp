@@ -8,6 +8,8 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/mman.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace vesk {
@@ -37,12 +39,15 @@ public:
     Surroundings(const Surroundings &) = delete;
     Surroundings &operator=(const Surroundings &) = delete;
 
-    bool start(const QByteArray &program) const
+    /// The process, or nothing.
+    std::optional<pid_t> start(const QByteArray &program, QByteArray argument = {}) const
     {
         QByteArray name = program;
-        char *const arguments[] = {name.data(), nullptr};
+        char *const arguments[] = {name.data(), argument.isEmpty() ? nullptr : argument.data(), nullptr};
         pid_t id = 0;
-        return posix_spawn(&id, program.constData(), &m_actions, &m_attributes, arguments, environ) == 0;
+        const bool isStarted =
+            posix_spawn(&id, program.constData(), &m_actions, &m_attributes, arguments, environ) == 0;
+        return isStarted ? std::optional(id) : std::nullopt;
     }
 
 private:
@@ -50,15 +55,25 @@ private:
     posix_spawnattr_t m_attributes = {};
 };
 
+/// A file in memory and not a pipe: nothing to wait for, and no signal when the keeper ends early. Negative
+/// when there is no room.
+int fileOf(const QByteArray &packed)
+{
+    const int content = memfd_create("clipboard", MFD_CLOEXEC);
+    if (content >= 0 && (writeAll(content, packed) != 0 || lseek(content, 0, SEEK_SET) != 0)) {
+        close(content);
+        return -1;
+    }
+    return content;
+}
+
 } // namespace
 
 bool startClipboardKeeper(const QString &program, const QByteArray &packed, std::chrono::milliseconds limit)
 {
-    // In memory and not through a pipe: nothing to wait for, and no signal when the keeper ends early.
-    const Descriptor content(memfd_create("clipboard", MFD_CLOEXEC));
+    const Descriptor content(fileOf(packed));
     int ends[2] = {-1, -1};
-    if (content.number() < 0 || writeAll(content.number(), packed) != 0
-        || lseek(content.number(), 0, SEEK_SET) != 0 || pipe2(ends, O_CLOEXEC) != 0) {
+    if (content.number() < 0 || pipe2(ends, O_CLOEXEC) != 0) {
         return false;
     }
     const Descriptor answer(ends[0]);
@@ -70,6 +85,36 @@ bool startClipboardKeeper(const QString &program, const QByteArray &packed, std:
     pollfd waiting = {answer.number(), POLLIN, 0};
     char ready = 0;
     return poll(&waiting, 1, static_cast<int>(limit.count())) == 1 && read(answer.number(), &ready, 1) == 1;
+}
+
+bool StandByKeeper::replace(const QString &program, const QByteArray &packed, unsigned window)
+{
+    const Descriptor content(fileOf(packed));
+    int ends[2] = {-1, -1};
+    if (content.number() < 0 || socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+        return false;
+    }
+    const Descriptor theirs(ends[1]);
+    const auto process = Surroundings(content.number(), theirs.number())
+                             .start(QFile::encodeName(program), QByteArray::number(window));
+    if (!process) {
+        close(ends[0]);
+        return false;
+    }
+    dismiss(); // the new one first: there is always one
+    m_word = ends[0];
+    m_running.push_back(*process);
+    return true;
+}
+
+void StandByKeeper::dismiss()
+{
+    if (m_word >= 0) {
+        send(m_word, "x", 1, MSG_NOSIGNAL); // fails when it has ended, which is as well
+        close(m_word);
+        m_word = -1;
+    }
+    std::erase_if(m_running, [](int process) { return waitpid(process, nullptr, WNOHANG) != 0; });
 }
 
 } // namespace vesk

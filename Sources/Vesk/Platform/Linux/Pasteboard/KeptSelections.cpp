@@ -40,20 +40,30 @@ SelectionFormats unpack(QDataStream &in, XcbConnection &connection)
 
 } // namespace
 
-QByteArray packed(X11Selections &selections)
+Contents offered(const X11Selections &selections)
+{
+    Contents contents;
+    for (const xcb_atom_t selection : {selections.clipboard(), selections.primary()}) {
+        if (const SelectionFormats *formats = selections.own(selection)) {
+            contents[selection] = *formats;
+        }
+    }
+    return contents;
+}
+
+QByteArray packed(XcbConnection &connection, const Contents &contents)
 {
     QByteArray bytes;
     QDataStream out(&bytes, QIODevice::WriteOnly);
     out.setVersion(Version);
-    for (const xcb_atom_t selection : {selections.clipboard(), selections.primary()}) {
-        if (const SelectionFormats *formats = selections.own(selection)) {
-            pack(out, selections.connection(), selection, *formats);
-        }
+    for (const auto &[selection, formats] : contents) {
+        pack(out, connection, selection, formats);
     }
     return bytes;
 }
 
-bool takeOver(X11Selections &selections, const QByteArray &packed)
+bool takeOver(X11Selections &selections, const QByteArray &packed,
+              const std::function<bool(xcb_atom_t)> &mayBeHad)
 {
     QDataStream in(packed);
     in.setVersion(Version);
@@ -64,8 +74,9 @@ bool takeOver(X11Selections &selections, const QByteArray &packed)
         if (in.status() != QDataStream::Ok) {
             return false;
         }
-        if (!formats.empty()) {
-            selections.write(selections.connection().atom(name), std::move(formats));
+        const xcb_atom_t selection = selections.connection().atom(name);
+        if (!formats.empty() && (!mayBeHad || mayBeHad(selection))) {
+            selections.write(selection, std::move(formats));
         }
     }
     return selections.ownsAnything();

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Platform/Linux/Pasteboard/X11Selections.h"
+#include "Platform/Linux/Pasteboard/KeeperStart.h"
+#include "Platform/Linux/Pasteboard/KeptSelections.h"
 #include "Platform/Pasteboard.h"
 
 #include <QFuture>
@@ -19,6 +20,10 @@ namespace vesk {
 /// changes what it reads (types become others, images are decoded); and it acquires with the time of the last
 /// event of one of its own windows, which a program without a focused window has not had, so that the server
 /// may ignore it. As two clients of the server they do not disturb each other.
+///
+/// A killed process must not take what the person had copied with it, so a second one stands by while
+/// anything lies on a board by this one: with that content, or under a passing text with what was read there
+/// before.
 class X11Pasteboard final : public Pasteboard {
 public:
     /// `keeper` is the program that offers our content when this one has ended (see ClipboardKeeper.cpp).
@@ -45,10 +50,17 @@ private:
     bool persistNow(std::chrono::steady_clock::time_point end);
     void run();
     bool runWork();
+    void secure(xcb_atom_t selection, const SelectionFormats &formats);
+    void forget(xcb_atom_t selection);
+    void renewStandBy();
     void wake() const;
 
     const QString m_keeper;
-    X11Selections m_selections; ///< used by the thread alone, its atomic change counts apart
+    X11Selections m_selections;         ///< used by the thread alone, its atomic change counts apart
+    KeptSelections::Contents m_found;   ///< what was last read, until somebody else owns it
+    KeptSelections::Contents m_secured; ///< what is to lie there should this process be killed
+    bool m_isStandByOld = false;
+    StandByKeeper m_standBy;
     std::atomic<bool> m_isServerThere;
     int m_wake; ///< an eventfd: there is work
     std::mutex m_mutex;

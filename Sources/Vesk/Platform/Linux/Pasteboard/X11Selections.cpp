@@ -87,6 +87,13 @@ std::optional<qint64> X11Selections::write(xcb_atom_t selection, SelectionFormat
     return count;
 }
 
+xcb_window_t X11Selections::ownerOf(xcb_atom_t selection)
+{
+    const XcbPointer<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        m_connection.get(), xcb_get_selection_owner(m_connection.get(), selection), nullptr));
+    return reply ? reply->owner : static_cast<xcb_window_t>(XCB_NONE);
+}
+
 qint64 X11Selections::changeCount(xcb_atom_t selection) const
 {
     return selection == m_clipboard ? m_clipboardChanges : m_primaryChanges;
@@ -102,6 +109,9 @@ void X11Selections::handle(const xcb_generic_event_t &event)
     if (m_ownerEvent != 0 && eventType(event) == m_ownerEvent) {
         const auto &change = eventAs<xcb_xfixes_selection_notify_event_t>(event);
         ++(change.selection == m_clipboard ? m_clipboardChanges : m_primaryChanges);
+        if (change.owner != m_window) {
+            onTaken(change.selection);
+        }
     } else {
         m_server.handle(event);
     }

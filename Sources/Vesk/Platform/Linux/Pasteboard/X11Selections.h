@@ -33,6 +33,14 @@ public:
     const SelectionFormats *own(xcb_atom_t selection) const { return m_server.offered(selection); }
     bool ownsAnything() const { return m_server.offersAnything(); }
 
+    /// The window that owns it now; XCB_NONE for nobody.
+    xcb_window_t ownerOf(xcb_atom_t selection);
+    /// Ours, where something lies there by us.
+    xcb_window_t window() const { return m_window; }
+
+    /// Called when another program has copied something there, or taken it away.
+    std::function<void(xcb_atom_t)> onTaken = [](xcb_atom_t) {};
+
     /// How often the owner has changed, by the last event that was handled. From any thread.
     qint64 changeCount(xcb_atom_t selection) const;
 
