@@ -40,21 +40,4 @@ TEST(Glyph, noColumnOfItIsHalfCoveredAtThePanelsSizes)
     }
 }
 
-TEST(Glyph, isTintedAndFadesWhenDisabled)
-{
-    const auto strongest = [](Glyph::Look look) {
-        const QImage picture =
-            Glyph::icon(Qt::red, look).pixmap(32).toImage().convertedTo(QImage::Format_ARGB32);
-        QRgb result = 0;
-        for (int x = 0; x < 32; ++x) {
-            result = qAlpha(picture.pixel(x, 16)) > qAlpha(result) ? picture.pixel(x, 16) : result;
-        }
-        return QColor::fromRgba(result);
-    };
-    EXPECT_EQ(strongest(Glyph::Look::normal), QColor(Qt::red));
-    const QColor faded = strongest(Glyph::Look::disabled);
-    EXPECT_EQ(faded.rgb(), QColor(Qt::red).rgb());
-    EXPECT_NEAR(faded.alphaF(), 0.45, 0.02);
-}
-
 } // namespace vesk

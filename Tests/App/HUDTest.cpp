@@ -7,7 +7,6 @@
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
-#include <QScreen>
 
 #include <gtest/gtest.h>
 
@@ -16,6 +15,7 @@ namespace vesk {
 namespace {
 
 using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
 
 struct SwitchedCompositing final : Compositing {
     bool isOn = true;
@@ -50,72 +50,35 @@ protected:
     ManualClock clock;
     SwitchedCompositing compositing;
     HUD hud{clock, compositing};
-    const QString longText = QStringLiteral("one word after the other ").repeated(10);
+    const QString longText = u"one word after the other "_s.repeated(10);
 };
 
 } // namespace
 
 TEST(HUDLayout, everythingHasItsPlaceWhileListening)
 {
-    const struct {
-        bool isLocked;
-        bool isCommand;
-        int width;
-        QRectF lock;
-        QRectF command;
-        qreal barsLeft;
-    } rows[] = {
-        {false, false, 107, {}, {}, 16},
-        {true, false, 129, {16, 10, 14, 14}, {}, 38},
-        {false, true, 129, {}, {16, 9, 16, 16}, 38},
-        {true, true, 151, {16, 10, 14, 14}, {38, 9, 16, 16}, 60},
+    const std::tuple<bool, bool, QRectF, QRectF, qreal> rows[] = {
+        {false, false, {}, {}, 16},
+        {true, false, {16, 10, 14, 14}, {}, 38},
+        {false, true, {}, {16, 9, 16, 16}, 38},
+        {true, true, {16, 10, 14, 14}, {38, 9, 16, 16}, 60},
     };
-    for (const auto &row : rows) {
-        const HUDLayout layout = HUDLayout::listening(row.isLocked, row.isCommand);
-        EXPECT_EQ(layout.width, row.width);
-        EXPECT_EQ(layout.lock, row.lock);
-        EXPECT_EQ(layout.command, row.command);
-        EXPECT_EQ(layout.barsLeft, row.barsLeft);
-        EXPECT_EQ(HUDLayout::bar(12, 1, layout.barsLeft).right(), row.width - 16);
-    }
-    EXPECT_EQ(HUDLayout::bar(0, 0, 16), QRectF(16, 15, 3, 4));
-    EXPECT_EQ(HUDLayout::bar(2, 1, 16), QRectF(28, 5, 3, 24));
-    EXPECT_EQ(HUDLayout::bar(1, 0.5, 38), QRectF(44, 10, 3, 14));
-}
-
-TEST(HUDLayout, aMessageIsAsWideAsItsTextUpToALimit)
-{
-    const struct {
-        qreal drawn;
-        bool isSpinning;
-        int width;
-        QRectF label;
-    } rows[] = {
-        {40.2, false, 32 + 47, {16, 9, 47, 16}},       {40.2, true, 24 + 32 + 47, {40, 9, 47, 16}},
-        {514, false, 32 + 520, {16, 9, 520, 16}},      {514.1, false, 32 + 520, {16, 9, 520, 16}},
-        {9000, true, 24 + 32 + 520, {40, 9, 520, 16}},
-    };
-    for (const auto &row : rows) {
-        const HUDLayout layout = HUDLayout::message(row.drawn, 16, row.isSpinning);
-        EXPECT_EQ(layout.width, row.width) << row.drawn;
-        EXPECT_EQ(layout.label, row.label) << row.drawn;
-        EXPECT_EQ(layout.spinner, row.isSpinning ? QRectF(16, 9, 16, 16) : QRectF()) << row.drawn;
+    for (const auto &[isLocked, isCommand, lock, command, barsLeft] : rows) {
+        const HUDLayout layout = HUDLayout::listening(isLocked, isCommand);
+        EXPECT_EQ(layout.lock, lock);
+        EXPECT_EQ(layout.command, command);
+        EXPECT_EQ(layout.barsLeft, barsLeft);
+        EXPECT_EQ(HUDLayout::bar(12, 1, layout.barsLeft).right(), layout.width - 16);
     }
     // Right of another screen, above a panel of 40.
     EXPECT_EQ(HUDLayout::listening(true, false).frame({1920, 0, 1280, 984}), QRect(1920 + 575, 922, 129, 34));
 }
 
-TEST_F(HUDTest, standsAtTheBottomOfTheScreenAndTakesNothing)
+TEST_F(HUDTest, saysInWordsWhatItShows)
 {
     hud.showListening(false, false);
-    ASSERT_TRUE(panel().isVisible());
-    const QRect visible = QGuiApplication::primaryScreen()->availableGeometry();
-    EXPECT_EQ(panel().geometry(),
-              QRect(visible.x() + (visible.width() - 107) / 2, visible.y() + visible.height() - 62, 107, 34));
-    EXPECT_NE(QApplication::activeWindow(), &panel());
     EXPECT_EQ(panel().accessibleName(), u"Listening");
     hud.showListening(true, true);
-    EXPECT_EQ(panel().width(), 151);
     EXPECT_EQ(panel().accessibleName(), u"Listening, Hands-free, Command");
 }
 
@@ -124,11 +87,11 @@ TEST_F(HUDTest, aMessageIsOneLineAndCutAtItsTail)
     hud.showText(longText, false);
     EXPECT_EQ(panel().width(), 552);
     const QImage cut = panel().grab().toImage();
-    hud.showText(QString(longText + QStringLiteral("and more")), false);
+    hud.showText(QString(longText + u"and more"_s), false);
     EXPECT_EQ(panel().grab().toImage(), cut);
-    hud.showText(QStringLiteral("first\nsecond"), false);
+    hud.showText(u"first\nsecond"_s, false);
     const int width = panel().width();
-    hud.showText(QStringLiteral("first second"), false);
+    hud.showText(u"first second"_s, false);
     EXPECT_EQ(panel().width(), width);
     EXPECT_LT(width, 200);
     hud.showText(longText, true);
@@ -137,7 +100,7 @@ TEST_F(HUDTest, aMessageIsOneLineAndCutAtItsTail)
 
 TEST_F(HUDTest, aFlashHidesItselfUnlessSomethingFollows)
 {
-    hud.flash(QStringLiteral("Copied"), 5s);
+    hud.flash(u"Copied"_s, 5s);
     clock.advance(4999ms);
     EXPECT_TRUE(panel().isVisible());
     clock.advance(1ms);
@@ -145,11 +108,11 @@ TEST_F(HUDTest, aFlashHidesItselfUnlessSomethingFollows)
 
     const std::function<void()> followers[] = {
         [&] { hud.showListening(false, false); },
-        [&] { hud.showText(QStringLiteral("Working"), true); },
-        [&] { hud.flash(QStringLiteral("Later"), 60s); },
+        [&] { hud.showText(u"Working"_s, true); },
+        [&] { hud.flash(u"Later"_s, 60s); },
     };
     for (const auto &follow : followers) {
-        hud.flash(QStringLiteral("Copied"), 5s);
+        hud.flash(u"Copied"_s, 5s);
         clock.advance(2s);
         follow();
         clock.advance(10s);
@@ -161,7 +124,7 @@ TEST(HUD, mayEndBeforeItsFlash)
 {
     ManualClock clock;
     const SwitchedCompositing compositing;
-    std::make_unique<HUD>(clock, compositing)->flash(QStringLiteral("Copied"), 5s);
+    std::make_unique<HUD>(clock, compositing)->flash(u"Copied"_s, 5s);
     clock.advance(5s);
     EXPECT_TRUE(clock.waiting().empty());
 }
@@ -182,7 +145,7 @@ TEST_F(HUDTest, barsFollowTheLastLevelsAndStartAgainLow)
 
 TEST_F(HUDTest, levelsUnderAMessageAreNotSeen)
 {
-    hud.showText(QStringLiteral("Copied"), false);
+    hud.showText(u"Copied"_s, false);
     const QImage message = panel().grab().toImage();
     hud.setLevel(1);
     EXPECT_EQ(panel().grab().toImage(), message);
@@ -192,14 +155,14 @@ TEST_F(HUDTest, levelsUnderAMessageAreNotSeen)
 
 TEST_F(HUDTest, nothingRunsWhileItIsHiddenOrStill)
 {
-    hud.showText(QStringLiteral("Working"), true);
+    hud.showText(u"Working"_s, true);
     EXPECT_TRUE(hasTimer());
     const QImage before = panel().grab().toImage();
     EXPECT_TRUE(eventually([&] { return panel().grab().toImage() != before; })) << "the spinner stands still";
     hud.hide();
     EXPECT_FALSE(hasTimer());
-    hud.showText(QStringLiteral("Working"), true);
-    hud.showText(QStringLiteral("Done"), false);
+    hud.showText(u"Working"_s, true);
+    hud.showText(u"Done"_s, false);
     EXPECT_FALSE(hasTimer());
     hud.showListening(false, false);
     EXPECT_FALSE(hasTimer());
@@ -211,7 +174,7 @@ TEST_F(HUDTest, isCutOutWhereNobodyComposesWindows)
     hud.showListening(false, false);
     EXPECT_EQ(panel().mask().boundingRect(), QRect(0, 0, 107, 34));
     EXPECT_FALSE(panel().mask().contains(QPoint(1, 1)));
-    hud.showText(QStringLiteral("Working on what was said"), true);
+    hud.showText(u"Working on what was said"_s, true);
     EXPECT_EQ(panel().mask().boundingRect(), panel().rect());
     compositing.isOn = true;
     hud.showListening(false, false);

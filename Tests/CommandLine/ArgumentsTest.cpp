@@ -9,31 +9,20 @@ using Request = Arguments::Request;
 
 TEST(Arguments, wordsAskForOneOfThreeThings)
 {
-    const std::pair<QStringList, Request> rows[] = {
-        {{}, Request::usage},
-        {{u""_s}, Request::usage},
-        {{u"talk.wav"_s}, Request::usage},
-        {{u"--file"_s}, Request::usage},
-        {{u"--raw"_s}, Request::usage},
-        {{u"--raw"_s, u"--cloud"_s}, Request::usage},
-        {{u"--app"_s, u"Mail"_s}, Request::usage},
-        {{u"--selected"_s, u"x"_s}, Request::usage},
-        {{u"--help"_s}, Request::usage},
-        {{u"--help"_s, u"me"_s, u"--file"_s, u"a.wav"_s}, Request::usage},
-        {{u"--file"_s, u"a.wav"_s, u"b.wav"_s}, Request::usage},
-        {{u"--file"_s, u"a.wav"_s, u"-x"_s}, Request::usage},
-        {{u"--file"_s, u"a.wav"_s}, Request::work},
-        {{u"--raw"_s, u"--file"_s, u"a.wav"_s}, Request::work},
-        {{u"--text"_s, u""_s}, Request::work},
-        {{u"--colour"_s, u"blue"_s, u"--text"_s, u"x"_s}, Request::work},
-        {{u"--mcp"_s}, Request::notesServer},
-        {{u"--raw"_s, u"--mcp"_s}, Request::notesServer},
-        {{u"--mcp"_s, u"--mcp"_s}, Request::notesServer},
-        {{u"--file"_s, u"--mcp"_s}, Request::notesServer},
-    };
-    for (const auto &[words, request] : rows) {
-        EXPECT_EQ(Arguments::parse(words).request, request) << words.join(u' ').toStdString();
+    const std::pair<Request, QStringList> rows[] = {
+        {Request::usage,
+         {u""_s, u"talk.wav"_s, u"--file"_s, u"--raw"_s, u"--raw --cloud"_s, u"--app Mail"_s,
+          u"--selected x"_s, u"--help"_s, u"--help me --file a.wav"_s, u"--file a.wav b.wav"_s,
+          u"--file a.wav -x"_s}},
+        {Request::work,
+         {u"--file a.wav"_s, u"--raw --file a.wav"_s, u"--text "_s, u"--colour blue --text x"_s}},
+        {Request::notesServer, {u"--mcp"_s, u"--raw --mcp"_s, u"--mcp --mcp"_s, u"--file --mcp"_s}}};
+    for (const auto &[request, lines] : rows) {
+        for (const QString &line : lines) {
+            EXPECT_EQ(Arguments::parse(line.split(u' ')).request, request) << line.toStdString();
+        }
     }
+    EXPECT_EQ(Arguments::parse({}).request, Request::usage);
 }
 
 TEST(Arguments, aValueIsTheNextWordWhateverItLooksLikeAndTheLastOneCounts)

@@ -4,7 +4,6 @@
 #include "Support/TemporaryHome.h"
 
 #include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
 
 #include <gmock/gmock.h>
@@ -18,26 +17,14 @@ using testing::StartsWith;
 
 namespace {
 
-class FileCommandTest : public testing::Test {
+class FileCommandTest : public HomeTest {
 protected:
-    void SetUp() override { emptyTestHome(); }
-
-    static QString at(QStringView name) { return testHome() + u'/' + name; }
-
     /// A file made from the sample by FFmpeg's own program.
     static QString converted(QStringView name, const QStringList &options = {})
     {
-        make(u"ffmpeg"_s,
-             QStringList{u"-loglevel"_s, u"error"_s, u"-y"_s, u"-i"_s, sample()} << options << at(name));
+        runTool(u"ffmpeg"_s,
+                QStringList{u"-loglevel"_s, u"error"_s, u"-y"_s, u"-i"_s, sample()} << options << at(name));
         return at(name);
-    }
-
-    static void make(const QString &program, const QStringList &arguments)
-    {
-        QProcess process;
-        process.start(program, arguments);
-        ASSERT_TRUE(process.waitForFinished()) << program.toStdString() << " is missing or hangs";
-        ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().constData();
     }
 
     static QString sample() { return QStringLiteral(VESK_TEST_SPEECH_FOLDER "/sample.wav"); }
@@ -81,7 +68,7 @@ TEST_F(FileCommandTest, everyKindOfFileThatPeopleHaveIsHeard)
 TEST_F(FileCommandTest, aNameMayLookLikeAnythingAndBeRelative)
 {
     // Silence, because what is tested is that the file is found, and silence needs no model.
-    make(u"sox"_s, {u"-n"_s, u"-r"_s, u"16000"_s, at(u"silence.wav"), u"trim"_s, u"0"_s, u"1"_s});
+    runTool(u"sox"_s, {u"-n"_s, u"-r"_s, u"16000"_s, at(u"silence.wav"), u"trim"_s, u"0"_s, u"1"_s});
     for (const QString &name : {u"--raw"_s, u"-i.wav"_s, u"größe 100%: a.wav"_s, u"file:x.wav"_s}) {
         ASSERT_TRUE(QFile::copy(at(u"silence.wav"), at(name)));
         const ProgramRun run =
@@ -97,9 +84,9 @@ TEST_F(FileCommandTest, whatCannotBeHeardIsOneSentenceThatNamesTheFile)
     converted(u"whole.m4a");
     const QByteArray whole = Files::read(at(u"whole.m4a"));
     Files::replace(at(u"half.m4a"), whole.first(whole.size() / 2)); // the index stands at the end
-    make(u"ffmpeg"_s,
-         {u"-loglevel"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s, u"color=size=64x64:rate=5:duration=1"_s,
-          at(u"mute.mp4")});
+    runTool(u"ffmpeg"_s,
+            {u"-loglevel"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
+             u"color=size=64x64:rate=5:duration=1"_s, at(u"mute.mp4")});
     for (const char16_t *name :
          {u"missing.wav", u".", u"empty.wav", u"letter.wav", u"half.m4a", u"mute.mp4"}) {
         const ProgramRun run = transcribe(at(QStringView(name)));
@@ -125,7 +112,7 @@ TEST_F(FileCommandTest, aFileThatIsCutOffIsHeardAsFarAsItGoesWithAWarning)
 
 TEST_F(FileCommandTest, silenceIsAnEmptyText)
 {
-    make(u"sox"_s, {u"-n"_s, u"-r"_s, u"16000"_s, at(u"silence.wav"), u"trim"_s, u"0"_s, u"3"_s});
+    runTool(u"sox"_s, {u"-n"_s, u"-r"_s, u"16000"_s, at(u"silence.wav"), u"trim"_s, u"0"_s, u"3"_s});
     EXPECT_EQ(wordsOf(transcribe(at(u"silence.wav"))), "");
 }
 
@@ -145,14 +132,6 @@ TEST_F(FileCommandTest, anUnknownLanguageIsRefusedBeforeAnythingIsLoaded)
     const ProgramRun run = transcribe(sample());
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.errors, u"error: Apple's speech recognition does not support bg-BG\n"_s);
-}
-
-TEST_F(FileCommandTest, withoutSettingsForHomeTheAccountsHomeIsUsed)
-{
-    // Only looked at, never written: the file of the account's own settings may or may not be there.
-    const ProgramRun run = runVesk({u"--file"_s, at(u"missing.wav"), u"--raw"_s}, {{u"HOME"_s, QString()}});
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.errorLines().size(), 1);
 }
 
 } // namespace vesk

@@ -6,7 +6,6 @@
 #include "Support/TemporaryHome.h"
 
 #include <QDir>
-#include <QFile>
 
 #include <gmock/gmock.h>
 
@@ -16,10 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class StartTest : public testing::Test {
-protected:
-    void SetUp() override { emptyTestHome(); }
-};
+using StartTest = HomeTest;
 
 const QStringList CleanUp = {u"--text"_s, u"um so hello"_s};
 

@@ -23,7 +23,7 @@ using namespace test;
 namespace {
 
 /// A disk that is full after some blocks.
-class FullDisk final : public AudioFiles {
+class FailingFiles final : public AudioFiles {
 public:
     class Writer final : public AudioFileWriter {
     public:
@@ -53,11 +53,10 @@ public:
     int blocks = 0;
 };
 
-class CloudRecordingTest : public testing::Test {
+class CloudRecordingTest : public HomeTest {
 protected:
     CloudRecordingTest()
     {
-        emptyTestHome();
         qputenv("TMPDIR", testHome().toLocal8Bit());
         sound.plug(u"microphone"_s);
     }
@@ -153,7 +152,7 @@ TEST_F(CloudRecordingTest, cancelledAndDroppedAndNeverBegunRecordingsLeaveNoFile
 TEST_F(CloudRecordingTest, aFullDiskIsLoggedOnceAndTheRecordingGoesOn)
 {
     QDir().mkpath(QFileInfo(Log::file()).path());
-    FullDisk disk;
+    FailingFiles disk;
     CloudRecording recording(services(disk));
     start(recording);
     for (int i = 0; i < 10; ++i) {
@@ -161,8 +160,7 @@ TEST_F(CloudRecordingTest, aFullDiskIsLoggedOnceAndTheRecordingGoesOn)
     }
     EXPECT_EQ(disk.blocks, 10);
     EXPECT_EQ(awaited(recording.finish()), recording.url());
-    Log::flush();
-    const QByteArray log = Files::read(Log::file());
+    const QByteArray log = logText();
     EXPECT_EQ(log.count("recording is incomplete"), 1);
     EXPECT_EQ(log.count("recording is incomplete: No space left\n"), 1);
 }

@@ -1,5 +1,6 @@
 #include "Dictation/Hotkey.h"
 
+#include "Contracts/KeyEventsContract.h"
 #include "Support/FakeKeyEvents.h"
 
 #include <QStringList>
@@ -13,13 +14,6 @@ namespace {
 using enum HotkeyKey;
 using Flags = std::pair<int, quint64>; ///< key code and flags; a key code of 0 is a letter
 constexpr Flags Letter = {0, 0};
-
-struct Row {
-    const char *what;
-    std::vector<HotkeyKey> watched;
-    std::vector<Flags> events;
-    QString expected; ///< P and R with the key's first letters, O for another key
-};
 
 class HotkeyTest : public testing::Test {
 protected:
@@ -37,47 +31,52 @@ protected:
     QStringList said;
 };
 
+class FakeBench final : public KeyEventsBench {
+public:
+    KeyEvents &events() override { return m_events; }
+    void press(HotkeyKey key) override { m_events.flagsChanged(virtualKeyCode(key), modifierFlag(key)); }
+    void release(HotkeyKey key) override { m_events.flagsChanged(virtualKeyCode(key), 0); }
+    void letter() override { m_events.keyDown(); }
+    bool wait(const std::function<bool()> &condition) override { return condition(); }
+
+private:
+    FakeKeyEvents m_events;
+};
+
 } // namespace
+
+INSTANTIATE_TEST_SUITE_P(Fake, KeyEventsContract, testing::Values([]() -> std::unique_ptr<KeyEventsBench> {
+                             return std::make_unique<FakeBench>();
+                         }));
 
 TEST_F(HotkeyTest, pressReleaseAndOtherKeysFollowTheWatchedKeys)
 {
-    const std::vector<Row> rows = {
-        {"press and release", {rightOption}, {{61, 0x40}, {61, 0}}, u"P:rightOption R:rightOption"_qs},
-        {"the left key of the same name", {rightOption}, {{58, 0x20}, {58, 0}}, {}},
-        {"the left key does not hide the right one",
-         {rightOption},
-         {{58, 0x20}, {61, 0x60}, {61, 0x20}},
-         u"P:rightOption R:rightOption"_qs},
-        {"a second watched key is another key",
-         {rightOption, rightCommand},
+    const std::vector<HotkeyKey> right = {rightOption};
+    // P and R with the key, O for another key.
+    const std::tuple<std::vector<HotkeyKey>, std::vector<Flags>, const char *> rows[] = {
+        {right, {{61, 0x40}, {61, 0}}, "P:rightOption R:rightOption"},
+        {right, {{58, 0x20}, {58, 0}}, ""}, // the left key of the same name
+        {right, {{58, 0x20}, {61, 0x60}, {61, 0x20}}, "P:rightOption R:rightOption"},
+        {{rightOption, rightCommand},
          {{61, 0x40}, {54, 0x50}, {54, 0x40}, {61, 0}},
-         u"P:rightOption O O R:rightOption"_qs},
-        {"a letter while held",
-         {rightOption},
-         {{61, 0x40}, Letter, Letter, {61, 0}},
-         u"P:rightOption O O R:rightOption"_qs},
-        {"a letter alone", {rightOption}, {Letter}, {}},
-        {"a repeated press",
-         {rightOption},
-         {{61, 0x40}, {61, 0x40}, {61, 0}},
-         u"P:rightOption R:rightOption"_qs},
-        {"a release twice", {rightOption}, {{61, 0x40}, {61, 0}, {61, 0}}, u"P:rightOption R:rightOption"_qs},
-        {"a release of a key that was down before", {rightOption}, {{61, 0}}, {}},
-        {"nothing watched", {}, {{61, 0x40}, {61, 0}}, {}},
-        {"fn", {fn}, {{63, 0x80'0000}, {63, 0}}, u"P:fn R:fn"_qs},
-        {"a key that is not watched", {rightOption}, {{54, 0x10}, {54, 0}}, {}},
+         "P:rightOption O O R:rightOption"},
+        {right, {{61, 0x40}, Letter, Letter, {61, 0}}, "P:rightOption O O R:rightOption"},
+        {right, {Letter}, ""},
+        {right, {{61, 0x40}, {61, 0x40}, {61, 0}}, "P:rightOption R:rightOption"}, // a repeated press
+        {right, {{61, 0x40}, {61, 0}, {61, 0}}, "P:rightOption R:rightOption"},    // a release twice
+        {right, {{61, 0}}, ""}, // of a key that was down before
+        {{}, {{61, 0x40}, {61, 0}}, ""},
+        {{fn}, {{63, 0x80'0000}, {63, 0}}, "P:fn R:fn"},
+        {right, {{54, 0x10}, {54, 0}}, ""},
     };
-    for (const Row &row : rows) {
-        watched = row.watched;
+    int number = 0;
+    for (const auto &[keys, sequence, expected] : rows) {
+        watched = keys;
         said.clear();
-        for (const auto &[keyCode, flags] : row.events) {
-            if (keyCode == 0) {
-                events.keyDown();
-            } else {
-                events.flagsChanged(keyCode, flags);
-            }
+        for (const auto &[keyCode, flags] : sequence) {
+            keyCode == 0 ? events.keyDown() : events.flagsChanged(keyCode, flags);
         }
-        EXPECT_EQ(said.join(u' '), row.expected) << row.what;
+        EXPECT_EQ(said.join(u' ').toStdString(), expected) << "row " << ++number;
     }
 }
 

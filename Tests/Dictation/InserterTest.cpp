@@ -2,7 +2,6 @@
 
 #include "Dictation/InsertionError.h"
 #include "Dictation/PasteboardLoan.h"
-#include "Foundation/Log.h"
 #include "Support/Await.h"
 #include "Support/FakeKeyPoster.h"
 #include "Support/FakePasteboard.h"
@@ -10,7 +9,6 @@
 #include "Support/TemporaryHome.h"
 
 #include <QDir>
-#include <QFile>
 
 #include <gmock/gmock.h>
 
@@ -51,23 +49,11 @@ protected:
     QStringList pasted;
 };
 
-QString logged()
-{
-    Log::flush();
-    QFile file(Log::file());
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
 } // namespace
 
 TEST(InserterTest, aSpaceStandsWhereWordsWouldRunTogetherAndNowhereElse)
 {
-    const struct {
-        QString text;
-        Edge before;
-        Edge after;
-        QString expected;
-    } rows[] = {
+    const std::tuple<QString, Edge, Edge, QString> rows[] = {
         {u"word"_s, {}, {}, u"word"_s},
         {u""_s, u"a"_s, u"b"_s, u""_s},
         {u"word"_s, u""_s, u""_s, u"word"_s},
@@ -95,16 +81,14 @@ TEST(InserterTest, aSpaceStandsWhereWordsWouldRunTogetherAndNowhereElse)
         {u"\U0001d400"_s, {}, u"\U0001d400"_s, u"\U0001d400 "_s},       // a letter beyond 16 bits
         {u"x\u00b2"_s, {}, u"\u0664"_s, u"x\u00b2 "_s},                 // numbers of other kinds
     };
-    for (const auto &row : rows) {
-        EXPECT_EQ(Inserter::spaced(row.text, row.before, row.after), row.expected)
-            << qPrintable(row.text) << " between " << qPrintable(row.before.value_or(u"-"_s)) << " and "
-            << qPrintable(row.after.value_or(u"-"_s));
+    for (const auto &[text, before, after, expected] : rows) {
+        EXPECT_EQ(Inserter::spaced(text, before, after), expected) << qPrintable(text);
     }
 }
 
 TEST(InserterTest, aReplacementKeepsTheWhiteSpaceAroundTheOldText)
 {
-    const std::tuple<QString, QString> rows[] = {
+    const std::pair<QString, QString> rows[] = {
         {u"  some words\n"_s, u"  new\n"_s},
         {u"word"_s, u"new"_s},
         {u""_s, u"new"_s},
@@ -221,26 +205,20 @@ TEST_F(PasteTest, aHeldModifierIsWaitedForAndAfterTwoSecondsNothingIsPasted)
 TEST_F(PasteTest, whatAnOwnerDidNotTellIsNotMadeUp)
 {
     QDir().mkpath(testHome() + u"/Library/Logs"_s);
-    const struct {
-        QList<PasteboardItem> told;
-        bool isHanging;
-        QList<PasteboardItem> after;
-        QString line;
-    } rows[] = {
-        {{}, false, {}, {}},
-        {{}, true, {}, u"did not answer: it is cleared"_s},
-        {mine, true, mine, u"a part of it is lost"_s},
-    };
-    for (const auto &row : rows) {
-        board.boards[General].items = row.told;
-        board.boards[General].isOwnerHanging = row.isHanging;
+    const std::tuple<QList<PasteboardItem>, bool, QByteArray> rows[] = {
+        {QList<PasteboardItem>(), false, {}},
+        {QList<PasteboardItem>(), true, "did not answer: it is cleared"},
+        {mine, true, "a part of it is lost"}};
+    for (const auto &[told, isHanging, line] : rows) {
+        board.boards[General].items = told;
+        board.boards[General].isOwnerHanging = isHanging;
         paste(u"SECRETWORD"_s);
         EXPECT_EQ(board.text(), u"SECRETWORD"_s);
         pass(800ms);
-        EXPECT_EQ(board.boards[General].items, row.after);
-        EXPECT_TRUE(logged().contains(row.line)) << qPrintable(row.line);
+        EXPECT_EQ(board.boards[General].items, told);
+        EXPECT_TRUE(logText().contains(line)) << line.constData();
     }
-    EXPECT_FALSE(logged().contains(u"SECRETWORD"_s));
+    EXPECT_FALSE(logText().contains("SECRETWORD"));
 }
 
 TEST_F(PasteTest, theEndOfTheProgramGivesBackAtOnceButNeverOverSomeoneElse)

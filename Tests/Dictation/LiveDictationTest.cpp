@@ -1,8 +1,8 @@
 #include "Dictation/LiveDictation.h"
 
+#include "Platform/Linux/Speech/FfmpegAudioConverter.h"
 #include "Support/AnalyzerContract.h"
 #include "Support/Await.h"
-#include "Support/FakeAudioConverters.h"
 #include "Support/FakeSound.h"
 #include "Support/FakeSpeech.h"
 #include "Support/Tones.h"
@@ -44,7 +44,7 @@ protected:
 
     FakeSound sound{FakeSound::Source::test};
     FakeSpeechModels models;
-    FakeAudioConverters converters;
+    FfmpegAudioConverters converters;
     std::vector<float> levels; ///< of the thread that delivers, which the test waits for
 };
 
@@ -83,6 +83,26 @@ TEST_F(LiveDictationTest, whatIsSaidWhileTheKeyIsHeldBecomesTheText)
     EXPECT_EQ(dictation.stats().device, u"The microphone"_s);
 }
 
+TEST_F(LiveDictationTest, piecesAreJoinedByOneBlankAndRunsOfWhiteSpaceCollapse)
+{
+    const std::pair<QStringList, QString> rows[] = {
+        {{}, u""_s},
+        {{u"One."_s, u"two   and\n\tthree "_s}, u"One. two and three"_s},
+        {{u"  "_s, u"\u00a0"_s, u"\n"_s}, u""_s},
+        {{u""_s, u"only"_s, u""_s}, u"only"_s},
+    };
+    for (const auto &[pieces, text] : rows) {
+        models.results.clear();
+        for (const QString &piece : pieces) {
+            models.results.append(said(piece, 1.0 + static_cast<double>(models.results.size())));
+        }
+        LiveDictation dictation(services());
+        start(dictation);
+        sound.deliver(tone({48000, 2}, 440, 2048));
+        EXPECT_EQ(awaited(dictation.finish()), text);
+    }
+}
+
 TEST_F(LiveDictationTest, whatWasNeverStartedSaysNothing)
 {
     LiveDictation dictation(services());
@@ -94,41 +114,31 @@ TEST_F(LiveDictationTest, whatWasNeverStartedSaysNothing)
 
 TEST_F(LiveDictationTest, whatPreventsTheStartIsThrownToEveryoneWhoAsks)
 {
-    struct Row {
-        const char *what;
-        QString locale;
-        std::function<void()> arrange;
-        VeskError error;
+    const std::pair<std::function<void()>, VeskError> rows[] = {
+        {[] {}, VeskError::unsupportedLocale(u"bg-BG"_s)},
+        {[this] { models.isInstalled = false; }, VeskError::noSpeechModel()},
+        {[this] { sound.setDenied(true); }, VeskError::microphoneDenied()},
+        {[this] { sound.unplug(u"microphone"_s); }, VeskError::noMicrophone()},
     };
-    const Row rows[] = {
-        {"language", u"bg-BG"_s, [] {}, VeskError::unsupportedLocale(u"bg-BG"_s)},
-        {"model", u"en-US"_s, [this] { models.isInstalled = false; }, VeskError::noSpeechModel()},
-        {"refused", u"en-US"_s, [this] { sound.setDenied(true); }, VeskError::microphoneDenied()},
-        {"microphone", u"en-US"_s,
-         [this] {
-             sound.setDenied(false);
-             sound.unplug(u"microphone"_s);
-         },
-         VeskError::noMicrophone()},
-    };
-    for (const Row &row : rows) {
-        SCOPED_TRACE(row.what);
-        row.arrange();
+    QString locale = u"bg-BG"_s;
+    for (const auto &[arrange, expected] : rows) {
+        arrange();
         LiveDictation dictation(services());
-        dictation.start(row.locale, {}, u"auto"_s, {});
-        const auto expectError = [&row](const auto &action) {
+        dictation.start(std::exchange(locale, u"en-US"_s), {}, u"auto"_s, {});
+        const std::function<void()> actions[] = {[&] { awaitSetup(dictation); },
+                                                 [&] { awaitSetup(dictation); },
+                                                 [&] { awaited(dictation.finish()); }};
+        for (const auto &action : actions) {
             try {
                 action();
-                ADD_FAILURE() << "nothing was thrown";
+                ADD_FAILURE() << "nothing was thrown: " << expected.what();
             } catch (const VeskError &error) {
-                EXPECT_EQ(error, row.error);
+                EXPECT_EQ(error, expected);
             }
-        };
-        expectError([&] { awaitSetup(dictation); });
-        expectError([&] { awaitSetup(dictation); });
-        expectError([&] { awaited(dictation.finish()); });
+        }
         EXPECT_EQ(sound.recordings(), 0);
         models.isInstalled = true;
+        sound.setDenied(false);
     }
 }
 

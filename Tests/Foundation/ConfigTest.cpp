@@ -15,10 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class ConfigTest : public testing::Test {
+class ConfigTest : public HomeTest {
 protected:
-    void SetUp() override { emptyTestHome(); }
-
     static void put(const QByteArray &content)
     {
         Files::makeFolder(Config::directory());
@@ -116,13 +114,7 @@ TEST_F(ConfigTest, aFileThatCannotBeReadOrWrittenIsTheSystemsOwnFailure)
 TEST(ConfigKeys, unknownNamesFallBackAndTheCommandKeyNeverDoublesTheDictationKey)
 {
     using Key = HotkeyKey;
-    struct Row {
-        QString hotkey;
-        QString commandHotkey;
-        Key dictation;
-        std::optional<Key> command;
-    };
-    const Row rows[] = {
+    const std::tuple<QString, QString, Key, std::optional<Key>> rows[] = {
         {u"rightOption"_s, u"rightCommand"_s, Key::rightOption, Key::rightCommand},
         {u"rightCommand"_s, u"rightOption"_s, Key::rightCommand, Key::rightOption},
         {u"fn"_s, u"fn"_s, Key::fn, std::nullopt},
@@ -132,18 +124,14 @@ TEST(ConfigKeys, unknownNamesFallBackAndTheCommandKeyNeverDoublesTheDictationKey
         {u"RightOption"_s, u"Fn"_s, Key::rightOption, std::nullopt},
         {u""_s, u""_s, Key::rightOption, std::nullopt},
     };
-    for (const Row &row : rows) {
-        SCOPED_TRACE(QString(row.hotkey + u" / " + row.commandHotkey).toStdString());
+    for (const auto &[hotkey, commandHotkey, dictation, command] : rows) {
+        SCOPED_TRACE(QString(hotkey + u" / " + commandHotkey).toStdString());
         Config config;
-        config.hotkey = row.hotkey;
-        config.commandHotkey = row.commandHotkey;
-        EXPECT_EQ(config.dictationKey(), row.dictation);
-        EXPECT_EQ(config.commandKey(), row.command);
-        std::vector<Key> watched = {row.dictation};
-        if (row.command) {
-            watched.push_back(*row.command);
-        }
-        EXPECT_EQ(config.watchedKeys(), watched);
+        config.hotkey = hotkey;
+        config.commandHotkey = commandHotkey;
+        EXPECT_EQ(config.commandKey(), command);
+        EXPECT_EQ(config.watchedKeys(),
+                  command ? (std::vector{dictation, *command}) : std::vector{dictation});
     }
 }
 

@@ -6,12 +6,8 @@
 #include <QDir>
 #include <QFile>
 
-#include <csignal>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace vesk {
 
@@ -19,12 +15,8 @@ namespace {
 
 constexpr int Private = 0600;
 
-class FilesTest : public testing::Test {
+class FilesTest : public HomeTest {
 protected:
-    void SetUp() override { emptyTestHome(); }
-
-    static QString at(QStringView name) { return testHome() + u'/' + name; }
-
     static void put(const QString &path, const QByteArray &content, int mode = Private)
     {
         QFile file(path);
@@ -38,22 +30,6 @@ protected:
 };
 
 using StorageTest = FilesTest;
-
-/// Runs the block in a child process that may write no file beyond `limit` bytes: what a full disk does to a
-/// write, without a disk to fill. True when the block ended normally.
-bool withFileSizeLimit(rlim_t limit, const std::function<void()> &block)
-{
-    const pid_t child = ::fork();
-    if (child == 0) {
-        std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit most = {limit, limit};
-        ::setrlimit(RLIMIT_FSIZE, &most);
-        block();
-        ::_exit(0);
-    }
-    int status = -1;
-    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
 
 } // namespace
 
@@ -69,16 +45,14 @@ TEST_F(FilesTest, replacingMakesAWorldReadableFilePrivate)
 TEST_F(FilesTest, aFullDiskLeavesTheOldContentWholeAndNothingElseBehind)
 {
     put(at(u"a.json"), "everything the person had");
-    EXPECT_TRUE(withFileSizeLimit(64, [] {
-        try {
-            Files::replace(at(u"a.json"), QByteArray(100'000, 'x'));
-            ::_exit(1);
-        } catch (const FileError &error) {
-            if (error.errorNumber() != EFBIG || !error.errorDescription().contains(u"a.json")) {
-                ::_exit(2);
-            }
-        }
-    }));
+    try {
+        const FullDisk disk(64);
+        Files::replace(at(u"a.json"), QByteArray(100'000, 'x'));
+        ADD_FAILURE() << "the disk was not full";
+    } catch (const FileError &error) {
+        EXPECT_EQ(error.errorNumber(), EFBIG);
+        EXPECT_TRUE(error.errorDescription().contains(u"a.json"));
+    }
     EXPECT_EQ(Files::read(at(u"a.json")), "everything the person had");
     EXPECT_EQ(filesInHome(), QStringList{QStringLiteral("a.json")});
 }
@@ -86,22 +60,13 @@ TEST_F(FilesTest, aFullDiskLeavesTheOldContentWholeAndNothingElseBehind)
 TEST_F(FilesTest, linksAreWrittenThrough)
 {
     QDir(testHome()).mkdir(QStringLiteral("dotfiles"));
-    struct Row {
-        const char *what;
-        QString target; // of the link, as it is stored in it
-        bool exists;
-    };
-    const Row rows[] = {
-        {"relative", QStringLiteral("dotfiles/one.json"), true},
-        {"absolute", at(u"dotfiles/two.json"), true},
-        {"dangling", QStringLiteral("dotfiles/three.json"), false},
-    };
-    for (const Row &row : rows) {
-        SCOPED_TRACE(row.what);
-        const QString link = at(QString::fromLatin1(row.what));
-        ASSERT_TRUE(QFile::link(row.target, link));
-        const QString target = QDir(testHome()).absoluteFilePath(row.target);
-        if (row.exists) {
+    for (const QString &stored : {QStringLiteral("dotfiles/relative"), at(u"dotfiles/absolute"),
+                                  QStringLiteral("dotfiles/dangling")}) {
+        SCOPED_TRACE(stored.toStdString());
+        const QString link = at(stored.section(u'/', -1));
+        ASSERT_TRUE(QFile::link(stored, link));
+        const QString target = QDir(testHome()).absoluteFilePath(stored);
+        if (!stored.endsWith(u"dangling")) {
             put(target, "old");
         }
         Files::replace(link, "new");
@@ -140,7 +105,10 @@ TEST_F(StorageTest, failuresAreSilentAndLoseNothing)
 
     // Four bytes of the line still fit, and must not stay for the next one to be joined to.
     put(at(u"history.jsonl"), QByteArray(60, 'h'));
-    EXPECT_TRUE(withFileSizeLimit(64, [] { Storage::append("one more line\n", at(u"history.jsonl")); }));
+    {
+        const FullDisk disk(64);
+        Storage::append("one more line\n", at(u"history.jsonl"));
+    }
     EXPECT_EQ(Files::read(at(u"history.jsonl")), QByteArray(60, 'h'));
 }
 

@@ -6,30 +6,19 @@
 
 namespace vesk {
 
-namespace {
-
-class HomeDirectoryTest : public testing::Test {
-protected:
-    void TearDown() override { qputenv("HOME", m_home); }
-
-    static QString accountHome() { return QString::fromLocal8Bit(::getpwuid(::getuid())->pw_dir); }
-
-private:
-    const QByteArray m_home = qgetenv("HOME");
-};
-
-} // namespace
-
-TEST_F(HomeDirectoryTest, theAccountsEntryStandsInForWhatIsNoAbsolutePath)
+TEST(HomeDirectory, theAccountsEntryStandsInForWhatIsNoAbsolutePath)
 {
+    const QByteArray home = qgetenv("HOME");
+    const QString accountHome = QString::fromLocal8Bit(::getpwuid(::getuid())->pw_dir);
     qputenv("HOME", "/somewhere/else/");
     EXPECT_EQ(homeDirectory(), QStringLiteral("/somewhere/else"));
     for (const char *useless : {"", "relative", "~"}) {
         qputenv("HOME", useless);
-        EXPECT_EQ(homeDirectory(), accountHome()) << useless;
+        EXPECT_EQ(homeDirectory(), accountHome) << useless;
     }
     qunsetenv("HOME");
-    EXPECT_EQ(homeDirectory(), accountHome());
+    EXPECT_EQ(homeDirectory(), accountHome);
+    qputenv("HOME", home);
 }
 
 } // namespace vesk

@@ -15,18 +15,11 @@ namespace vesk {
 
 namespace {
 
-class LogTest : public testing::Test {
+class LogTest : public HomeTest {
 protected:
-    void SetUp() override
-    {
-        Log::flush();
-        emptyTestHome();
-    }
-
     static QList<QByteArray> lines()
     {
-        Log::flush();
-        QList<QByteArray> all = Files::read(Log::file()).split('\n');
+        QList<QByteArray> all = logText().split('\n');
         EXPECT_EQ(all.takeLast(), "");
         return all;
     }

@@ -7,7 +7,6 @@
 #include <QDir>
 #include <QFile>
 
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 
 namespace vesk {
@@ -26,10 +25,8 @@ public:
     }
 };
 
-class MCPSetupTest : public testing::Test {
+class MCPSetupTest : public HomeTest {
 protected:
-    void SetUp() override { emptyTestHome(); }
-
     static MCPSetup setup() { return MCPSetup(Places(), u"/opt/vesk/bin/vesk"_s); }
     static QString file() { return Places().claudeDesktopFiles().front(); }
 

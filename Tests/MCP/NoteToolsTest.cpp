@@ -15,10 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class NoteToolsTest : public testing::Test {
+class NoteToolsTest : public HomeTest {
 protected:
-    void SetUp() override { emptyTestHome(); }
-
     static QJsonObject first(const QJsonObject &found)
     {
         return found.value("notes"_L1).toArray().at(0).toObject();

@@ -19,10 +19,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class ReplyTest : public testing::Test {
+class ReplyTest : public HomeTest {
 protected:
-    void SetUp() override { emptyTestHome(); }
-
     static std::optional<QByteArray> reply(const QByteArray &line)
     {
         return MCPServer(Note::folder()).reply(line);

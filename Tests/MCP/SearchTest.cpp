@@ -67,10 +67,8 @@ QByteArray inNumbers(const QByteArray &json)
     return spelled;
 }
 
-class SearchTest : public testing::Test {
+class SearchTest : public HomeTest {
 protected:
-    void SetUp() override { emptyTestHome(); }
-
     static qsizetype matches(const QString &text, const QString &phrase)
     {
         const SearchPhrase searched(phrase);
@@ -85,12 +83,7 @@ protected:
 
 TEST_F(SearchTest, caseAndCompositionDoNotMatterAndCharactersAreWhole)
 {
-    struct Row {
-        QString text;
-        QString phrase;
-        qsizetype matches;
-    };
-    const Row rows[] = {
+    const std::tuple<QString, QString, qsizetype> rows[] = {
         {u"Straße STRASSE strasse ſtraße"_s, u"strasse"_s, 4},
         {u"STRASSE"_s, u"straße"_s, 1},
         {u"ß"_s, u"s"_s, 0}, // half a letter
@@ -114,9 +107,8 @@ TEST_F(SearchTest, caseAndCompositionDoNotMatterAndCharactersAreWhole)
         {u"and/or \"x\" \\"_s, u"AND/OR \"X\" \\"_s, 1},
         {u"one\ntwo"_s, u"one\ntwo"_s, 1},
     };
-    for (const Row &row : rows) {
-        EXPECT_EQ(matches(row.text, row.phrase), row.matches)
-            << row.text.toStdString() << " / " << row.phrase.toStdString();
+    for (const auto &[text, phrase, count] : rows) {
+        EXPECT_EQ(matches(text, phrase), count) << text.toStdString() << " / " << phrase.toStdString();
     }
 }
 

@@ -12,10 +12,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class ServerProcessTest : public testing::Test {
+class ServerProcessTest : public HomeTest {
 protected:
-    void SetUp() override { emptyTestHome(); }
-
     static ProgramRun runWith(const QByteArray &input, const QString &command = u"\"$VESK\" --mcp"_s)
     {
         Files::replace(testHome() + u"/input", input);
@@ -45,20 +43,6 @@ TEST_F(ServerProcessTest, withoutHomeTheAccountsFolderIsServed)
     const ProgramRun run = runWith(Ping, u"env -u HOME -u LANG \"$VESK\" --mcp"_s);
     EXPECT_EQ(run.output, Pong + u'\n');
     EXPECT_THAT(run.errors.toStdString(), testing::MatchesRegex("vesk mcp: serving /.*/Vesk/Notes\n"));
-}
-
-TEST_F(ServerProcessTest, thousandsOfRequestsInOneWriteAreAnsweredInOrder)
-{
-    putNote(noteOf(1, u"a note"_s, {u"hello"_s}));
-    QByteArray input;
-    QString expected;
-    for (int i = 0; i < 5000; ++i) {
-        input += R"({"id":")" + QByteArray::number(i) + R"(","method":"ping"})" + '\n';
-        expected += uR"({"jsonrpc":"2.0","id":"%1","result":{}})"_s.arg(i) + u'\n';
-    }
-    const ProgramRun run = runWith(input);
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.output, expected);
 }
 
 TEST_F(ServerProcessTest, anOutputThatTakesNoMoreEndsTheServer)

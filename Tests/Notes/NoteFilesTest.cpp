@@ -19,10 +19,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class NoteFilesTest : public testing::Test {
-protected:
-    void SetUp() override { emptyTestHome(); }
-};
+using NoteFilesTest = HomeTest;
 
 /// Through a window so small that every token is cut somewhere.
 std::optional<Note> strictly(const QByteArray &json, qsizetype window = 64)
@@ -108,12 +105,8 @@ TEST_F(NoteFilesTest, whatIsWrittenIsSortedIndentedAndHasItsSlashesEscaped)
 
 TEST_F(NoteFilesTest, bothReadersSayTheSameOfEveryFile)
 {
-    struct Row {
-        QByteArray json;
-        bool isNote;
-    };
     const QByteArray deep = QByteArray(600, '[') + QByteArray(600, ']');
-    const Row rows[] = {
+    const std::pair<QByteArray, bool> rows[] = {
         {Whole, true},
         {changed("\"x\"", "\"\\ud83d\\udE00\\/\\u0000\""), true},
         {changed("\"title\"", "\"color\": {\"a\": [1, null, \"}\"]}, \"title\""), true}, // a strange member
@@ -152,10 +145,10 @@ TEST_F(NoteFilesTest, bothReadersSayTheSameOfEveryFile)
         {"7", false},
         {deep, false},
     };
-    for (const Row &row : rows) {
-        EXPECT_EQ(strictly(row.json).has_value(), row.isNote) << row.json.constData();
-        const std::optional<Note> quick = fast(row.json);
-        EXPECT_TRUE(!quick || quick == strictly(row.json)) << row.json.constData();
+    for (const auto &[json, isNote] : rows) {
+        EXPECT_EQ(strictly(json).has_value(), isNote) << json.constData();
+        const std::optional<Note> quick = fast(json);
+        EXPECT_TRUE(!quick || quick == strictly(json)) << json.constData();
     }
 }
 

@@ -50,15 +50,4 @@ TEST(NoteTest, speakersAreNamedWhenThereAreTwo)
     EXPECT_EQ(note.transcriptText(), u"[0:05] Me: hello\n[1:10] Me: anyone?\n[1:20] Them: yes"_s);
 }
 
-TEST(NoteTest, aTitleThatCannotBeSeenIsShownAsNewNote)
-{
-    Note note;
-    for (const QString &title : {u""_s, u"  \n\t"_s, u"\u00A0"_s}) {
-        note.title = title;
-        EXPECT_EQ(note.displayTitle(), u"New note"_s);
-    }
-    note.title = u"  Monday "_s;
-    EXPECT_EQ(note.displayTitle(), u"  Monday "_s);
-}
-
 } // namespace vesk

@@ -13,10 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class NotesStoreTest : public testing::Test {
+class NotesStoreTest : public HomeTest {
 protected:
-    void SetUp() override { emptyTestHome(); }
-
     static QStringList titles(const NotesStore &store)
     {
         QStringList titles;

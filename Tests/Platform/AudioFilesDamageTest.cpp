@@ -33,27 +33,28 @@ protected:
 
 TEST_F(AudioFilesDamageTest, aFileCutInHalfIsHeardToItsEndAndSaysSo)
 {
-    struct Row {
-        const char *file;
-        const char *options;
-    };
-    for (const auto &[file, options] :
-         {Row{"a.wav", ""}, Row{"telephone.wav", "-c:a pcm_mulaw"}, Row{"a.aiff", ""}, Row{"a.caf", ""},
-          Row{"a.flac", ""}, Row{"a.mp3", ""}, Row{"a.m4a", "-movflags faststart"}, Row{"a.webm", ""},
-          Row{"a.mp4", "-f lavfi -i testsrc=s=160x120:d=10 -movflags faststart"},
-          Row{"a.mkv", "-f lavfi -i testsrc=s=160x120:d=10"}}) {
-        SCOPED_TRACE(file);
-        const QString name = QString::fromLatin1(file);
-        ASSERT_NO_FATAL_FAILURE(makeSpeech(name, QString::fromLatin1(options)));
+    const std::pair<QString, QString> rows[] = {
+        {u"a.wav"_s, {}},
+        {u"telephone.wav"_s, u"-c:a pcm_mulaw"_s},
+        {u"a.aiff"_s, {}},
+        {u"a.caf"_s, {}},
+        {u"a.flac"_s, {}},
+        {u"a.mp3"_s, {}},
+        {u"a.m4a"_s, u"-movflags faststart"_s},
+        {u"a.webm"_s, {}},
+        {u"a.mp4"_s, u"-f lavfi -i testsrc=s=160x120:d=10 -movflags faststart"_s},
+        {u"a.mkv"_s, u"-f lavfi -i testsrc=s=160x120:d=10"_s}};
+    for (const auto &[name, options] : rows) {
+        SCOPED_TRACE(name.toStdString());
+        ASSERT_NO_FATAL_FAILURE(makeSpeech(name, options));
         EXPECT_EQ(text(read(name).shortfall), "");
         cutInHalf(name);
         const ReadSound result = read(name);
         EXPECT_NEAR(result.seconds(), 5, 0.6);
         EXPECT_NEAR(result.duration.value_or(AudioDuration(0)).count(), 10, 0.1) << "what the file says";
         EXPECT_EQ(text(result.shortfall),
-                  QStringLiteral("%1 ends early: %2 of 10.0 seconds could be read")
-                      .arg(name, QString::number(result.seconds(), 'f', 1))
-                      .toStdString());
+                  text(u"%1 ends early: %2 of 10.0 seconds could be read"_s.arg(
+                      name, QString::number(result.seconds(), 'f', 1))));
     }
 }
 

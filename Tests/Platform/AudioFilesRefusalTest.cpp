@@ -41,26 +41,23 @@ TEST_F(AudioFilesRefusalTest, theSentenceSaysWhatIsWrong)
     QByteArray nothing = content(u"nothing.wav"_s);
     write(u"nothing.wav"_s, nothing.first(nothing.indexOf("data") + 4) + QByteArray(4, '\0'));
 
-    struct Row {
-        const char *file;
-        const char *sentence;
-    };
     for (const auto &[file, sentence] : {
-             Row{"missing.wav", "There is no file missing.wav"},
-             Row{"50%1 missing.wav", "There is no file 50%1 missing.wav"},
-             Row{"Music", "Music is a folder, not a sound file"},
-             Row{"pipe.wav", "pipe.wav is a pipe or a device, not a sound file"},
-             Row{"empty.wav", "empty.wav is empty"},
-             Row{"letter.wav", "letter.wav is not a sound file of a kind that can be read"},
-             Row{"letter.mp3", "letter.mp3 is not a sound file of a kind that can be read"},
-             Row{"picture.mp3", "picture.mp3 is not a sound file of a kind that can be read"},
-             Row{"broken off.m4a",
+             std::pair{"missing.wav", "There is no file missing.wav"},
+             std::pair{"50%1 missing.wav", "There is no file 50%1 missing.wav"},
+             std::pair{"Music", "Music is a folder, not a sound file"},
+             std::pair{"pipe.wav", "pipe.wav is a pipe or a device, not a sound file"},
+             std::pair{"empty.wav", "empty.wav is empty"},
+             std::pair{"letter.wav", "letter.wav is not a sound file of a kind that can be read"},
+             std::pair{"letter.mp3", "letter.mp3 is not a sound file of a kind that can be read"},
+             std::pair{"picture.mp3", "picture.mp3 is not a sound file of a kind that can be read"},
+             std::pair{
+                 "broken off.m4a",
                  "broken off.m4a is incomplete: its index is missing, as after an interrupted recording"},
-             Row{"silent film.mp4", "silent film.mp4 has no sound in it"},
-             Row{"nothing.wav", "nothing.wav has no sound in it"},
-             Row{"bought.m4a", "bought.m4a is copy-protected, so its sound cannot be read"},
-             Row{"future.wav", "The sound in future.wav is of a kind that cannot be read"},
-             Row{"letter.wav/x.wav", "x.wav cannot be opened: Not a directory"},
+             std::pair{"silent film.mp4", "silent film.mp4 has no sound in it"},
+             std::pair{"nothing.wav", "nothing.wav has no sound in it"},
+             std::pair{"bought.m4a", "bought.m4a is copy-protected, so its sound cannot be read"},
+             std::pair{"future.wav", "The sound in future.wav is of a kind that cannot be read"},
+             std::pair{"letter.wav/x.wav", "x.wav cannot be opened: Not a directory"},
          }) {
         EXPECT_EQ(refusal(QString::fromLatin1(file)), sentence);
     }
@@ -131,11 +128,8 @@ TEST_F(AudioFilesReferenceTest, textsThatNameAnotherFileAreRefusedAndTheOtherSta
     ASSERT_NO_FATAL_FAILURE(makeTones(u"secret.ts"_s));
     const OpeningWatch watch(path(u"secret.ts"_s));
     const QByteArray secret = path(u"secret.ts"_s).toUtf8();
-    struct Row {
-        QString options; ///< what makes the `ffmpeg` program trust it
-        QByteArray content;
-    };
-    const Row rows[] = {
+    // What makes the `ffmpeg` program trust it, and its content.
+    const std::pair<QString, QByteArray> rows[] = {
         {u"-f hls -protocol_whitelist file -allowed_extensions ALL"_s,
          "#EXTM3U\n#EXT-X-TARGETDURATION:3\n#EXTINF:3,\n" + secret + "\n#EXT-X-ENDLIST\n"},
         {u"-f concat -protocol_whitelist file -safe 0"_s, "ffconcat version 1.0\nfile '" + secret + "'\n"},
@@ -145,9 +139,9 @@ TEST_F(AudioFilesReferenceTest, textsThatNameAnotherFileAreRefusedAndTheOtherSta
          "<AdaptationSet mimeType=\"audio/mp2t\"><Representation id=\"1\" bandwidth=\"1\"><BaseURL>"
              + secret + "</BaseURL></Representation></AdaptationSet></Period></MPD>"},
     };
-    for (const auto &[options, content] : rows) {
+    for (const auto &[options, words] : rows) {
         SCOPED_TRACE(options.toStdString());
-        write(u"x.wav"_s, content);
+        write(u"x.wav"_s, words);
         ASSERT_TRUE(isFollowed(u"x.wav"_s, options, watch));
         EXPECT_EQ(refusal(u"x.wav"_s), "x.wav is not a sound file of a kind that can be read");
         EXPECT_FALSE(watch.wasOpened());

@@ -7,7 +7,6 @@
 
 #include <csignal>
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -142,12 +141,8 @@ TEST_F(AudioFilesWritingTest, aKilledProgramLeavesAFileThatPlaysToItsLastSecond)
 TEST_F(AudioFilesWritingTest, aFullDiskEndsTheRecordingAndKeepsWhatWasWritten)
 {
     const auto writer = m_files.openForWriting(path(u"full.m4a"_s), Settings);
-    rlimit before = {};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit small = {20'000, before.rlim_max};
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
     int refusals = 0;
+    auto disk = std::make_optional<FullDisk>(20'000);
     for (int second = 0; second < 10; ++second) {
         try {
             writeTone(*writer, 1);
@@ -157,8 +152,7 @@ TEST_F(AudioFilesWritingTest, aFullDiskEndsTheRecordingAndKeepsWhatWasWritten)
         }
     }
     EXPECT_THROW(writer->close(), AudioFileError);
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-    std::signal(SIGXFSZ, handler);
+    disk.reset();
     EXPECT_GE(refusals, 4);
     const ReadSound sound = read(u"full.m4a"_s);
     EXPECT_GE(sound.seconds(), 3);

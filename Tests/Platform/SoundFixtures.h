@@ -2,6 +2,7 @@
 
 #include "Platform/AudioFiles.h"
 #include "Platform/Linux/Speech/FfmpegAudioFiles.h"
+#include "Support/TemporaryHome.h"
 #include "Support/Tones.h"
 
 #include <QFile>
@@ -41,14 +42,9 @@ protected:
     /// Fails the test when the program is missing or refuses.
     void ffmpeg(QStringList arguments, const QString &output)
     {
-        QProcess program;
-        program.start(
-            u"ffmpeg"_s,
-            QStringList{u"-hide_banner"_s, u"-loglevel"_s, u"error"_s, u"-y"_s, u"-nostdin"_s} + arguments
-                << u"file:"_s + path(output));
-        ASSERT_TRUE(program.waitForStarted()) << "the ffmpeg program is needed to make sound files";
-        ASSERT_TRUE(program.waitForFinished(60'000));
-        ASSERT_EQ(program.exitCode(), 0) << program.readAllStandardError().constData();
+        runTool(u"ffmpeg"_s,
+                QStringList{u"-loglevel"_s, u"error"_s, u"-y"_s, u"-nostdin"_s} + arguments
+                    << u"file:"_s + path(output));
     }
 
     /// A tone a channel: 500 Hz at 0.5 on the left, 800 Hz at 0.25 on the right.
@@ -77,9 +73,8 @@ protected:
     ReadSound read(const QString &name)
     {
         const auto reader = m_files.openForReading(path(name));
-        ReadSound result = {
-            {reader->format(), {}}, std::numeric_limits<qsizetype>::max(), reader->duration(), {}};
         qsizetype last = std::numeric_limits<qsizetype>::max();
+        ReadSound result = {{reader->format(), {}}, last, reader->duration(), {}};
         while (const auto block = reader->read()) {
             EXPECT_EQ(block->format, reader->format());
             EXPECT_GT(block->frames(), 0);

@@ -12,56 +12,45 @@ using namespace Qt::StringLiterals;
 
 class Answer : public ServerTest {};
 
-struct ErrorRow {
-    int status;
-    QByteArray body;
-    ServerError expected;
-};
-
-std::vector<ErrorRow> errorRows()
+TEST_F(Answer, failureIsMappedByStatusAndBody)
 {
-    return {
+    const auto plain = [](int status) {
+        return ServerError::other(u"The Vesk server answered %1."_s.arg(status));
+    };
+    const std::vector<std::tuple<int, QByteArray, ServerError>> rows = {
         {500, R"({"error":"upstream","message":"The model is busy.","raw":"503 from m1"})",
          ServerError::upstream(u"The model is busy."_s, u"503 from m1"_s)},
         {502, R"({"error":"upstream"})",
          ServerError::upstream(u"The Vesk server answered 502."_s, std::nullopt)},
         {401, R"({"error":"signed_out"})", ServerError::signedOut(u"The Vesk server answered 401."_s)},
-        {200 + 200, R"({"error":"signed_out","message":"Sign in."})", ServerError::signedOut(u"Sign in."_s)},
+        {400, R"({"error":"signed_out","message":"Sign in."})", ServerError::signedOut(u"Sign in."_s)},
         {402, R"({"error":"expired","message":"The trial is over."})",
          ServerError::expired(u"The trial is over."_s)},
         {403, R"({"error":"Signed_Out","message":"No."})", ServerError::other(u"No."_s)},
         {404, R"({"message":"No such thing.","raw":"x","more":[1]})",
          ServerError::other(u"No such thing."_s)},
-        {409, R"({"error":null,"message":null})", ServerError::other(u"The Vesk server answered 409."_s)},
-        {422, R"({"error":"expired","message":7})", ServerError::other(u"The Vesk server answered 422."_s)},
-        {429, "", ServerError::other(u"The Vesk server answered 429."_s)},
-        {502, "<html><body>Bad gateway</body></html>",
-         ServerError::other(u"The Vesk server answered 502."_s)},
-        {503, "[]", ServerError::other(u"The Vesk server answered 503."_s)},
-        {304, "", ServerError::other(u"The Vesk server answered 304."_s)},
+        {409, R"({"error":null,"message":null})", plain(409)},
+        {422, R"({"error":"expired","message":7})", plain(422)},
+        {429, "", plain(429)},
+        {502, "<html><body>Bad gateway</body></html>", plain(502)},
+        {503, "[]", plain(503)},
+        {304, "", plain(304)},
         {418, R"({"error":"expired","message":"кафе"})", ServerError::expired(u"кафе"_s)},
     };
-}
-
-TEST_F(Answer, failureIsMappedByStatusAndBody)
-{
-    for (const ErrorRow &row : errorRows()) {
-        server.scriptOnce("account", answering({row.status, row.body, {}}));
-        server.scriptOnce("cleanup", answering({row.status, row.body, {}}));
-        EXPECT_EQ(failure<ServerError>(client().account()), row.expected)
-            << row.status << row.body.constData();
-        EXPECT_EQ(failure<ServerError>(client().cleanup(u"x"_s, std::nullopt, {})), row.expected)
-            << row.status << row.body.constData();
+    for (const auto &[status, body, expected] : rows) {
+        SCOPED_TRACE(testing::Message() << status << body.constData());
+        server.scriptOnce("account", answering({status, body, {}}));
+        server.scriptOnce("cleanup", answering({status, body, {}}));
+        EXPECT_EQ(failure<ServerError>(client().account()), expected);
+        EXPECT_EQ(failure<ServerError>(client().cleanup(u"x"_s, std::nullopt, {})), expected);
     }
-    EXPECT_EQ(server.requests().size(), 2 * errorRows().size()) << "something was sent again";
+    EXPECT_EQ(server.requests().size(), 2 * rows.size()) << "something was sent again";
 }
 
 TEST_F(Answer, challengeKeepsTheServersOwnSentence)
 {
-    server.script(
-        "account",
-        answering(
-            {401, R"({"error":"signed_out","message":"Sign in again."})", {{"WWW-Authenticate", "Bearer"}}}));
+    const QByteArray body = R"({"error":"signed_out","message":"Sign in again."})";
+    server.script("account", answering({401, body, {{"WWW-Authenticate", "Bearer"}}}));
     EXPECT_EQ(failure<ServerError>(client().account()), ServerError::signedOut(u"Sign in again."_s));
     EXPECT_EQ(server.requests().size(), 1);
 }
@@ -78,17 +67,10 @@ TEST_F(Answer, emptySuccessIsAnEmptyRecord)
 
 TEST_F(Answer, successThatDoesNotFitIsADecodingError)
 {
-    for (const QByteArray &body : {
-             QByteArray(),
-             QByteArray("{}"),
-             QByteArray("<html></html>"),
-             QByteArray(R"({"text":null})"),
-             QByteArray(R"({"text":5})"),
-             QByteArray(R"(["text"])"),
-             QByteArray(R"({"text":"half)"),
-         }) {
+    for (const char *body : {"", "{}", "<html></html>", R"({"text":null})", R"({"text":5})", R"(["text"])",
+                             R"({"text":"half)"}) {
         server.script("cleanup", answering(jsonAnswer(body)));
-        EXPECT_TRUE(failure<DecodingError>(client().cleanup(u"x"_s, std::nullopt, {}))) << body.constData();
+        EXPECT_TRUE(failure<DecodingError>(client().cleanup(u"x"_s, std::nullopt, {}))) << body;
     }
     server.script("notes/summary", answering(jsonAnswer(R"({"title":"t"})")));
     EXPECT_TRUE(failure<DecodingError>(client().noteSummary({}, {})));

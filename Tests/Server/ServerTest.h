@@ -8,6 +8,7 @@
 #include "Server/ServerConnection.h"
 #include "Server/ServerError.h"
 #include "Support/Await.h"
+#include "Support/TemporaryHome.h"
 #include "Support/VeskServer.h"
 
 #include <QFile>
@@ -20,9 +21,7 @@ namespace vesk {
 class NamedHost final : public Host {
 public:
     std::optional<QString> platformIdentifier() const override { return QStringLiteral("an identifier"); }
-    std::optional<QString> localizedName() const override { return name; }
-
-    std::optional<QString> name = QStringLiteral("workbench");
+    std::optional<QString> localizedName() const override { return QStringLiteral("workbench"); }
 };
 
 /// A server on a loopback port and a connection to it; settings and sign-in are fresh for every test.
@@ -46,11 +45,7 @@ protected:
     }
 
     static QString homeLogs() { return QFileInfo(Log::file()).path(); }
-    static QByteArray log()
-    {
-        Log::flush();
-        return QFile::exists(Log::file()) ? Files::read(Log::file()) : QByteArray();
-    }
+    static QByteArray log() { return logText(); }
 
     VeskServer server;
     NamedHost host;
@@ -67,22 +62,6 @@ std::optional<E> failure(Task<T> task)
         return error;
     }
     return std::nullopt;
-}
-
-inline HttpAnswer jsonAnswer(QByteArray body) { return {200, std::move(body), {}}; }
-
-inline Script answering(HttpAnswer answer)
-{
-    Script script;
-    script.answer = std::move(answer);
-    return script;
-}
-
-inline Script behaving(Script::Manner manner)
-{
-    Script script;
-    script.manner = manner;
-    return script;
 }
 
 } // namespace vesk

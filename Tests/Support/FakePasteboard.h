@@ -20,7 +20,6 @@ public:
     QMap<PasteboardName, Board> boards;
     std::function<void()> onWrite; ///< what happens just before one; may throw
     QString failure;               ///< the sentence that every use ends with; empty for none
-    bool canPersist = true;        ///< what persist() answers
     bool isPersisted = false;      ///< persist() was called
 
     static QList<PasteboardItem> item(const QString &type, const QByteArray &bytes)
@@ -76,11 +75,7 @@ public:
 
     qint64 changeCount(PasteboardName board) const override { return boards[board].changeCount; }
 
-    bool persist(std::chrono::milliseconds) override
-    {
-        isPersisted = true;
-        return canPersist;
-    }
+    bool persist(std::chrono::milliseconds) override { return isPersisted = true; }
 
 private:
     void refuse() const

@@ -88,7 +88,7 @@ public:
     }
     void changed(bool isForced)
     {
-        const bool isLost = m_recorded != 0 && m_sound.find(m_recorded) == nullptr;
+        const bool isLost = m_recorded != 0 && m_sound.running(m_recorded) == nullptr;
         m_recorded = isLost ? 0 : m_recorded;
         const AudioDeviceID wanted = chosen();
         if (m_handler && (isForced || isLost || (wanted != m_recorded && wanted != m_reported))) {
@@ -100,10 +100,10 @@ public:
 private:
     AudioDeviceID chosen() const
     {
-        if (m_current && m_sound.find(*m_current) != nullptr) {
+        if (m_current && m_sound.running(*m_current) != nullptr) {
             return *m_current;
         }
-        const Device *standard = m_sound.find(m_sound.m_default);
+        const Device *standard = m_sound.find(&Device::name, m_sound.m_default);
         return standard == nullptr || !m_sound.m_isUp ? 0 : standard->id;
     }
 
@@ -142,12 +142,6 @@ void FakeSound::setFormat(const AudioFormat &format)
     m_format = format;
 }
 
-void FakeSound::setDenied(bool isDenied)
-{
-    const std::lock_guard lock(m_mutex);
-    m_isDenied = isDenied;
-}
-
 void FakeSound::deliver(const AudioBlock &block, AudioEngine::CaptureTime captured)
 {
     std::thread([&] {
@@ -156,6 +150,83 @@ void FakeSound::deliver(const AudioBlock &block, AudioEngine::CaptureTime captur
             engine->hand(block, captured);
         }
     }).join();
+}
+
+void FakeSound::change(const std::function<void()> &how)
+{
+    const std::lock_guard lock(m_mutex);
+    how();
+    for (Engine *engine : m_engines) {
+        engine->changed(false);
+    }
+}
+
+void FakeSound::plug(const QString &name, AudioTransport transport)
+{
+    change([&] {
+        m_devices.push_back({m_nextID++, name, transport});
+        m_default = m_devices.size() == 1 ? name : m_default;
+    });
+}
+
+void FakeSound::unplug(const QString &name)
+{
+    change([&] {
+        std::erase_if(m_devices, [&name](const Device &device) { return device.name == name; });
+        if (m_default == name) {
+            m_default = m_devices.empty() ? QString() : m_devices.front().name;
+        }
+    });
+}
+
+void FakeSound::makeDefault(const QString &name)
+{
+    change([&] { m_default = name; });
+}
+
+void FakeSound::sound(const QString &device, double frequency)
+{
+    const std::lock_guard lock(m_mutex);
+    const auto found = std::ranges::find(m_devices, device, &Device::name);
+    if (found != m_devices.end()) { // else the speaker, which no microphone here hears
+        found->frequency = frequency;
+    }
+}
+
+void FakeSound::endServer()
+{
+    change([this] {
+        m_isUp = false;
+        for (Device &device : m_devices) {
+            device.id = m_nextID++;
+        }
+    });
+}
+
+void FakeSound::startServer()
+{
+    change([this] { m_isUp = true; });
+}
+
+std::optional<AudioDeviceID> FakeSound::defaultInput() const
+{
+    const std::lock_guard lock(m_mutex);
+    const Device *found = m_isUp ? find(&Device::name, m_default) : nullptr;
+    return found == nullptr ? std::nullopt : std::optional(found->id);
+}
+
+std::optional<QString> FakeSound::name(AudioDeviceID device) const
+{
+    const std::lock_guard lock(m_mutex);
+    const Device *found = running(device);
+    return found == nullptr ? std::nullopt : std::optional<QString>(u"The " + found->name);
+}
+
+std::optional<AudioTransport> FakeSound::transport(AudioDeviceID device) const
+{
+    const std::lock_guard lock(m_mutex);
+    const Device *found = running(device);
+    return found == nullptr ? std::nullopt : std::optional(found->transport);
 }
 
 void FakeSound::reportChange()
@@ -181,95 +252,11 @@ int FakeSound::recordings() const
                                           [](const Engine *engine) { return engine->recorded() != 0; }));
 }
 
-void FakeSound::plug(const QString &name, AudioTransport transport)
-{
-    const std::lock_guard lock(m_mutex);
-    m_devices.push_back({m_nextID++, name, transport});
-    m_default = m_devices.size() == 1 ? name : m_default;
-    tellEngines();
-}
-
-void FakeSound::unplug(const QString &name)
-{
-    const std::lock_guard lock(m_mutex);
-    std::erase_if(m_devices, [&name](const Device &device) { return device.name == name; });
-    if (m_default == name) {
-        m_default = m_devices.empty() ? QString() : m_devices.front().name;
-    }
-    tellEngines();
-}
-
-void FakeSound::makeDefault(const QString &name)
-{
-    const std::lock_guard lock(m_mutex);
-    m_default = name;
-    tellEngines();
-}
-
-void FakeSound::sound(const QString &device, double frequency)
-{
-    const std::lock_guard lock(m_mutex);
-    if (Device *found = find(device)) { // else the speaker, which no microphone here hears
-        found->frequency = frequency;
-    }
-}
-
-void FakeSound::endServer()
-{
-    const std::lock_guard lock(m_mutex);
-    m_isUp = false;
-    for (Device &device : m_devices) {
-        device.id = m_nextID++;
-    }
-    tellEngines();
-}
-
-void FakeSound::startServer()
-{
-    const std::lock_guard lock(m_mutex);
-    m_isUp = true;
-    tellEngines();
-}
-
-void FakeSound::freezeServer()
-{
-    const std::lock_guard lock(m_mutex);
-    m_isFrozen = true;
-}
-
-void FakeSound::thawServer()
-{
-    const std::lock_guard lock(m_mutex);
-    m_isFrozen = false;
-}
-
 Availability FakeSound::availability() const
 {
     const std::lock_guard lock(m_mutex);
     return m_isUp ? Availability::available()
                   : Availability::unavailable(QStringLiteral("The fake server ended"));
-}
-
-std::optional<AudioDeviceID> FakeSound::defaultInput() const
-{
-    const std::lock_guard lock(m_mutex);
-    const auto found = std::find_if(m_devices.begin(), m_devices.end(),
-                                    [this](const Device &device) { return device.name == m_default; });
-    return m_isUp && found != m_devices.end() ? std::optional(found->id) : std::nullopt;
-}
-
-std::optional<QString> FakeSound::name(AudioDeviceID device) const
-{
-    const std::lock_guard lock(m_mutex);
-    const Device *found = find(device);
-    return found == nullptr ? std::nullopt : std::optional<QString>(u"The " + found->name);
-}
-
-std::optional<AudioTransport> FakeSound::transport(AudioDeviceID device) const
-{
-    const std::lock_guard lock(m_mutex);
-    const Device *found = find(device);
-    return found == nullptr ? std::nullopt : std::optional(found->transport);
 }
 
 std::vector<AudioDeviceID> FakeSound::inputDevices() const
@@ -283,27 +270,6 @@ std::vector<AudioDeviceID> FakeSound::inputDevices() const
 }
 
 std::unique_ptr<AudioEngine> FakeSound::make() { return std::make_unique<Engine>(*this); }
-
-FakeSound::Device *FakeSound::find(const QString &name)
-{
-    const auto found = std::find_if(m_devices.begin(), m_devices.end(),
-                                    [&name](const Device &device) { return device.name == name; });
-    return found == m_devices.end() ? nullptr : &*found;
-}
-
-const FakeSound::Device *FakeSound::find(AudioDeviceID device) const
-{
-    const auto found = std::find_if(m_devices.begin(), m_devices.end(),
-                                    [device](const Device &each) { return each.id == device; });
-    return m_isUp && found != m_devices.end() ? &*found : nullptr;
-}
-
-void FakeSound::tellEngines()
-{
-    for (Engine *engine : m_engines) {
-        engine->changed(false);
-    }
-}
 
 void FakeSound::play()
 {

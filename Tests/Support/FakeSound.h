@@ -3,6 +3,8 @@
 #include "Foundation/UserError.h"
 #include "Support/SoundRig.h"
 
+#include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <optional>
@@ -33,7 +35,7 @@ public:
     /// What every microphone delivers; not usable to play a driver that knows none yet.
     void setFormat(const AudioFormat &format);
     /// Makes the next starts fail, until it is told otherwise.
-    void setDenied(bool isDenied);
+    void setDenied(bool isDenied) { m_isDenied = isDenied; }
     /// Hands a block to every engine that records, from another thread, and waits for it.
     void deliver(const AudioBlock &block, AudioEngine::CaptureTime captured = {});
     /// Tells every engine's owner of a change that is none.
@@ -51,8 +53,8 @@ public:
     void sound(const QString &device, double frequency) override;
     void endServer() override;
     void startServer() override;
-    void freezeServer() override;
-    void thawServer() override;
+    void freezeServer() override { m_isFrozen = true; }
+    void thawServer() override { m_isFrozen = false; }
 
     Availability availability() const override;
     std::optional<AudioDeviceID> defaultInput() const override;
@@ -73,20 +75,26 @@ private:
         qint64 played = 0; ///< frames
     };
 
-    Device *find(const QString &name);
-    const Device *find(AudioDeviceID device) const;
-    void tellEngines();
+    template <typename Key>
+    const Device *find(Key Device::*member, const Key &key) const
+    {
+        const auto found = std::ranges::find(m_devices, key, member);
+        return found == m_devices.end() ? nullptr : &*found;
+    }
+    const Device *running(AudioDeviceID id) const { return m_isUp ? find(&Device::id, id) : nullptr; }
+    /// Changes the computer, and tells the engines.
+    void change(const std::function<void()> &how);
     void play();
 
-    mutable std::mutex
-        m_mutex; ///< held in every call of a tap or a handler: whoever removes one waits for it
+    /// Held in every call of a tap or a handler: whoever removes one waits for it.
+    mutable std::mutex m_mutex;
     AudioFormat m_format = {48'000, 2};
     std::vector<Device> m_devices;
     AudioDeviceID m_nextID = 1;
     QString m_default;
     bool m_isUp = true;
-    bool m_isFrozen = false;
-    bool m_isDenied = false;
+    std::atomic<bool> m_isFrozen = false;
+    std::atomic<bool> m_isDenied = false;
     std::vector<Engine *> m_engines;
 
     std::condition_variable m_ended;

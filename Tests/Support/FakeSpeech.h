@@ -92,12 +92,11 @@ public:
         return equivalentTo.startsWith(u"en") ? std::optional(equivalentTo) : std::nullopt;
     }
 
-    Task<> prepare(QString locale) override
+    Task<> prepare(QString) override
     {
         if (!isInstalled) {
             throw VeskError::noSpeechModel();
         }
-        prepared.append(locale);
         co_return;
     }
 
@@ -116,51 +115,7 @@ public:
     bool isInstalled = true;
     QList<SpeechResult> results;
     std::exception_ptr failure;
-    QStringList prepared;
     FakeSpeechAnalyzer *lastAnalyzer = nullptr; ///< gone when its recognition is over
-};
-
-/// One file of silence, whatever the name; another name is missing.
-class FakeAudioFiles final : public AudioFiles {
-public:
-    class Reader final : public AudioFileReader {
-    public:
-        explicit Reader(std::optional<QString> shortfallAtEnd)
-            : m_shortfall(std::move(shortfallAtEnd))
-        {
-        }
-        const AudioFormat &format() const override { return m_format; }
-        std::optional<AudioDuration> duration() const override { return AudioDuration(1); }
-        std::optional<AudioBlock> read() override
-        {
-            return m_blocksLeft-- > 0 ? std::optional(AudioBlock{m_format, std::vector<float>(1600)})
-                                      : std::nullopt;
-        }
-        std::optional<QString> shortfall() const override
-        {
-            return m_blocksLeft < 0 ? m_shortfall : std::nullopt; // known only at the end
-        }
-
-    private:
-        AudioFormat m_format = {16000, 1};
-        int m_blocksLeft = 10;
-        std::optional<QString> m_shortfall;
-    };
-
-    std::unique_ptr<AudioFileReader> openForReading(const QString &path) override
-    {
-        if (path == u"missing.wav") {
-            throw AudioFileError(QStringLiteral("There is no file missing.wav"));
-        }
-        return std::make_unique<Reader>(shortfall);
-    }
-
-    std::unique_ptr<AudioFileWriter> openForWriting(const QString &path, const AudioFileSettings &) override
-    {
-        throw AudioFileError(path + u" cannot be written: the fake only reads");
-    }
-
-    std::optional<QString> shortfall;
 };
 
 } // namespace vesk

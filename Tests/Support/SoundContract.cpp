@@ -1,10 +1,7 @@
 #include "Support/SoundContract.h"
 
-#include "Dictation/AudioInput.h"
-#include "Dictation/Microphone.h"
 #include "Foundation/VeskError.h"
 #include "Support/Await.h"
-#include "Support/Recording.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,28 +29,39 @@ QString defaultName(const AudioDevices &devices)
     return device ? devices.name(*device).value_or(u"?"_s) : QString();
 }
 
-VeskError::Case failureOf(AudioInput &input, Recording &recording)
+} // namespace
+
+void SoundContract::plug(const QString &name, double tone, AudioTransport transport)
 {
-    try {
-        input.start(u"system"_s, recording.consumer());
-    } catch (const VeskError &error) {
-        return error.errorCase();
-    }
-    throw std::runtime_error("the recording began");
+    rig().plug(name, transport);
+    rig().sound(name, tone);
 }
 
-} // namespace
+void SoundContract::hearTheDesk()
+{
+    plug(u"desk"_s, Before);
+    rig().sound(u"speaker"_s, Speaker);
+    input.start(u"system"_s, recording.consumer());
+    EXPECT_TRUE(recording.awaitTone(Before));
+}
+
+void SoundContract::expectNoMicrophone()
+{
+    Recording nothing;
+    AudioInput second(rig().devices(), rig().engines());
+    try {
+        second.start(u"system"_s, nothing.consumer());
+        ADD_FAILURE() << "the recording began";
+    } catch (const VeskError &error) {
+        EXPECT_EQ(error.errorCase(), VeskError::Case::noMicrophone);
+    }
+    EXPECT_EQ(second.stats().device, u"?");
+}
 
 TEST_P(SoundContract, whatIsSaidIsHeardAsItIsUntilTheStop)
 {
-    rig().plug(u"desk"_s);
-    rig().sound(u"desk"_s, Before);
-    rig().sound(u"speaker"_s, Speaker);
-    Recording recording;
-    AudioInput input(rig().devices(), rig().engines());
     const auto press = std::chrono::steady_clock::now();
-    input.start(u"system"_s, recording.consumer());
-    EXPECT_TRUE(recording.awaitTone(Before));
+    hearTheDesk();
     input.stop();
 
     const AudioStats stats = input.stats();
@@ -74,12 +82,7 @@ TEST_P(SoundContract, microphonesAreListedAndASpeakersMonitorIsNone)
     EXPECT_TRUE(rig().devices().availability().isAvailable());
     EXPECT_TRUE(eventually([&] { return names(rig().devices()).isEmpty(); }));
     EXPECT_EQ(rig().devices().defaultInput(), std::nullopt);
-    {
-        Recording recording;
-        AudioInput input(rig().devices(), rig().engines());
-        EXPECT_EQ(failureOf(input, recording), VeskError::Case::noMicrophone);
-        EXPECT_EQ(input.stats().device, u"?");
-    }
+    expectNoMicrophone();
     rig().plug(u"desk"_s);
     rig().plug(u"headset"_s, AudioTransport::bluetooth);
     EXPECT_TRUE(eventually([&] { return names(rig().devices()).size() == 2; }));
@@ -91,30 +94,23 @@ TEST_P(SoundContract, microphonesAreListedAndASpeakersMonitorIsNone)
 
 TEST_P(SoundContract, aHeadsetThatIsTheDefaultIsPassedOverForTheComputersOwnInAutoOnly)
 {
-    rig().plug(u"headset"_s, AudioTransport::bluetooth);
+    plug(u"headset"_s, Before, AudioTransport::bluetooth);
     rig().plug(u"webcam"_s, AudioTransport::other);
-    rig().plug(u"inside"_s, AudioTransport::builtIn);
-    rig().sound(u"headset"_s, Before);
-    rig().sound(u"inside"_s, After);
+    plug(u"inside"_s, After, AudioTransport::builtIn);
     EXPECT_TRUE(eventually([&] { return names(rig().devices()).size() == 3; }));
     for (const auto &[mode, tone, name] :
          {std::tuple(u"auto"_s, After, u"The inside"_s), {u"system"_s, Before, u"The headset"_s}}) {
-        Recording recording;
-        AudioInput input(rig().devices(), rig().engines());
         input.start(mode, recording.consumer());
         EXPECT_TRUE(recording.awaitTone(tone)) << mode.toStdString();
         EXPECT_EQ(input.stats().device, name);
+        input.stop();
     }
 }
 
 TEST_P(SoundContract, anotherDefaultIsFollowedAndAnUnpluggedDeviceReplaced)
 {
-    rig().plug(u"desk"_s);
-    rig().plug(u"webcam"_s);
-    rig().sound(u"desk"_s, Before);
-    rig().sound(u"webcam"_s, After);
-    Recording recording;
-    AudioInput input(rig().devices(), rig().engines());
+    plug(u"desk"_s, Before);
+    plug(u"webcam"_s, After);
     input.start(u"system"_s, recording.consumer());
     EXPECT_TRUE(recording.awaitTone(Before));
     rig().makeDefault(u"webcam"_s);
@@ -127,13 +123,9 @@ TEST_P(SoundContract, anotherDefaultIsFollowedAndAnUnpluggedDeviceReplaced)
 
 TEST_P(SoundContract, aChosenDeviceThatIsUnpluggedIsReplacedByTheDefault)
 {
-    rig().plug(u"headset"_s, AudioTransport::bluetooth);
-    rig().plug(u"inside"_s, AudioTransport::builtIn);
-    rig().sound(u"headset"_s, After);
-    rig().sound(u"inside"_s, Before);
+    plug(u"headset"_s, After, AudioTransport::bluetooth);
+    plug(u"inside"_s, Before, AudioTransport::builtIn);
     EXPECT_TRUE(eventually([&] { return names(rig().devices()).size() == 2; }));
-    Recording recording;
-    AudioInput input(rig().devices(), rig().engines());
     input.start(u"auto"_s, recording.consumer());
     EXPECT_TRUE(recording.awaitTone(Before));
     rig().unplug(u"inside"_s);
@@ -142,23 +134,12 @@ TEST_P(SoundContract, aChosenDeviceThatIsUnpluggedIsReplacedByTheDefault)
 
 TEST_P(SoundContract, withoutTheLastMicrophoneNothingOfTheSpeakerIsHeardAndTheNextOneIs)
 {
-    rig().plug(u"desk"_s);
-    rig().sound(u"desk"_s, Before);
-    rig().sound(u"speaker"_s, Speaker);
-    Recording recording;
-    AudioInput input(rig().devices(), rig().engines());
-    input.start(u"system"_s, recording.consumer());
-    EXPECT_TRUE(recording.awaitTone(Before));
+    hearTheDesk();
     rig().unplug(u"desk"_s);
     EXPECT_TRUE(eventually([&] { return names(rig().devices()).isEmpty(); }));
     EXPECT_TRUE(eventually([&] { return input.stats().restarts > 0; }));
-    {
-        Recording nothing;
-        AudioInput second(rig().devices(), rig().engines());
-        EXPECT_EQ(failureOf(second, nothing), VeskError::Case::noMicrophone);
-    }
-    rig().plug(u"webcam"_s);
-    rig().sound(u"webcam"_s, After);
+    expectNoMicrophone();
+    plug(u"webcam"_s, After);
     EXPECT_TRUE(recording.awaitTone(After));
     EXPECT_LT(recording.strongest(Speaker), 0.01);
     EXPECT_GE(recording.strongest(Before), 0.48) << "what was said before is kept";
@@ -166,10 +147,8 @@ TEST_P(SoundContract, withoutTheLastMicrophoneNothingOfTheSpeakerIsHeardAndTheNe
 
 TEST_P(SoundContract, aRecordingWhoseMicrophoneIsGoneEndsAndIsNotMovedToTheSpeaker)
 {
-    rig().plug(u"desk"_s);
-    rig().sound(u"desk"_s, Before);
+    plug(u"desk"_s, Before);
     rig().sound(u"speaker"_s, Speaker);
-    Recording recording;
     const auto engine = rig().engines().make(); // nobody attaches it again
     EXPECT_TRUE(eventually([&] { return engine->inputFormat().isUsable(); }));
     const auto consumer = recording.consumer();
@@ -185,20 +164,11 @@ TEST_P(SoundContract, aRecordingWhoseMicrophoneIsGoneEndsAndIsNotMovedToTheSpeak
 
 TEST_P(SoundContract, aRecordingGoesOnWhenTheServerIsBack)
 {
-    rig().plug(u"desk"_s);
-    rig().sound(u"desk"_s, Before);
-    Recording recording;
-    AudioInput input(rig().devices(), rig().engines());
-    input.start(u"system"_s, recording.consumer());
-    EXPECT_TRUE(recording.awaitTone(Before));
+    hearTheDesk();
     rig().endServer();
     EXPECT_TRUE(eventually([&] { return input.stats().restarts > 0; }));
     EXPECT_FALSE(rig().devices().availability().isAvailable());
-    {
-        Recording nothing;
-        AudioInput second(rig().devices(), rig().engines());
-        EXPECT_EQ(failureOf(second, nothing), VeskError::Case::noMicrophone);
-    }
+    expectNoMicrophone();
     rig().startServer();
     rig().sound(u"desk"_s, After);
     EXPECT_TRUE(recording.awaitTone(After));
@@ -209,13 +179,7 @@ TEST_P(SoundContract, aRecordingGoesOnWhenTheServerIsBack)
 TEST_P(SoundContract, aServerThatHangsIsNotWaitedForWithoutEndAndRecordsAgainWhenItRecovers)
 {
     using Clock = std::chrono::steady_clock;
-    rig().plug(u"desk"_s);
-    rig().sound(u"desk"_s, Before);
-    EXPECT_TRUE(eventually([&] { return !names(rig().devices()).isEmpty(); }));
-    Recording recording;
-    AudioInput input(rig().devices(), rig().engines());
-    input.start(u"system"_s, recording.consumer());
-    EXPECT_TRUE(recording.awaitTone(Before));
+    hearTheDesk();
     rig().freezeServer();
     const auto release = Clock::now();
     input.stop();

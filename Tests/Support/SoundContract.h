@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Dictation/AudioInput.h"
+#include "Support/Recording.h"
 #include "Support/SoundRig.h"
 
 #include <gtest/gtest.h>
@@ -12,9 +14,18 @@ namespace vesk::test {
 class SoundContract : public testing::TestWithParam<SoundRigKind> {
 protected:
     SoundRig &rig() { return *m_rig; }
+    /// A microphone at which a tone is heard.
+    void plug(const QString &name, double tone, AudioTransport transport = AudioTransport::other);
+    /// One of them, "desk", and a speaker that plays something else; the recording has begun.
+    void hearTheDesk();
+    void expectNoMicrophone();
 
 private:
     std::unique_ptr<SoundRig> m_rig = GetParam().make();
+
+protected:
+    Recording recording;
+    AudioInput input{rig().devices(), rig().engines()};
 };
 
 inline void PrintTo(const SoundRigKind &kind, std::ostream *out) { *out << kind.name; }

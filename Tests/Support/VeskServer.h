@@ -28,11 +28,16 @@ struct Script {
     };
 
     Manner manner = Manner::whole;
-    std::optional<HttpAnswer> answer; ///< the server's ordinary answer without it
+    std::optional<HttpAnswer> answer = {}; ///< the server's ordinary answer without it
     std::chrono::milliseconds delay{0};
-    std::optional<qsizetype> stopAfter; ///< bytes of the body that a cut-off answer has; half of it without
-    bool isChunked = false;             ///< without announcing a length
+    std::optional<qsizetype> stopAfter =
+        {};                 ///< bytes of the body that a cut-off answer has; half of it without
+    bool isChunked = false; ///< without announcing a length
 };
+
+inline HttpAnswer jsonAnswer(QByteArray body) { return {200, std::move(body), {}}; }
+inline Script answering(HttpAnswer answer) { return {.answer = std::move(answer)}; }
+inline Script behaving(Script::Manner manner) { return {.manner = manner}; }
 
 /// Vesk's server, as far as the program can tell, on a loopback port of its own: plain HTTP/1.1, or TLS with
 /// a certificate that nobody trusts. Works on the event loop of the thread that made it and is used there.

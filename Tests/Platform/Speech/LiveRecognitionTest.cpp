@@ -1,7 +1,6 @@
 // Recognition while a person speaks, with the recogniser, the model and the detector for real.
 
 #include "Dictation/Transcriber.h"
-#include "Foundation/Files.h"
 #include "Foundation/Log.h"
 #include "Platform/Speech/InstalledModels.h"
 #include "Support/AnalyzerContract.h"
@@ -42,10 +41,9 @@ std::unique_ptr<SpeechAnalyzer> analyzerWithoutModel()
 /// A number of the last line about a live recognition in the log; a negative one when there is none.
 double logged(const QString &name)
 {
-    Log::flush();
     const QRegularExpression pattern(u" live .*\\b"_s + name + u"=([0-9.]+)"_s);
     double number = -1;
-    for (const QByteArray &line : Files::read(Log::file()).split('\n')) {
+    for (const QByteArray &line : logText().split('\n')) {
         const auto match = pattern.match(QString::fromUtf8(line));
         number = match.hasMatch() ? match.captured(1).toDouble() : number;
     }
@@ -60,13 +58,9 @@ INSTANTIATE_TEST_SUITE_P(sherpa, AnalyzerContract,
                              analyzerWithoutModel, sample, SampleWords}),
                          [](const auto &rig) { return rig.param.name; });
 
-class LiveRecognition : public testing::Test {
+class LiveRecognition : public HomeTest {
 protected:
-    void SetUp() override
-    {
-        emptyTestHome();
-        QDir().mkpath(QFileInfo(Log::file()).path());
-    }
+    LiveRecognition() { QDir().mkpath(QFileInfo(Log::file()).path()); }
 };
 
 TEST_F(LiveRecognition, whatWasSaidIsRecognisedBeforeThePersonStops)

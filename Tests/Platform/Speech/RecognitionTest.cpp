@@ -9,9 +9,7 @@
 #include "Support/Await.h"
 
 #include <QDir>
-#include <QProcess>
 
-#include <gmock/gmock.h>
 #include <random>
 
 namespace vesk {
@@ -22,10 +20,8 @@ using test::words;
 
 namespace {
 
-class RecognitionTest : public testing::Test {
+class RecognitionTest : public HomeTest {
 protected:
-    void SetUp() override { emptyTestHome(); }
-
     Transcriber::Transcript transcribe(const QString &file, const QString &locale = u"en-US"_s,
                                        const QStringList &vocabulary = {})
     {
@@ -34,18 +30,8 @@ protected:
 
     static SherpaSpeechModels &models() { return test::installedModels(); }
 
-    static QString at(QStringView name) { return testHome() + u'/' + name; }
-
     FfmpegAudioFiles files;
 };
-
-void run(const QString &program, const QStringList &arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    ASSERT_TRUE(process.waitForFinished()) << program.toStdString() << " is missing or hangs";
-    ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().constData();
-}
 
 } // namespace
 
@@ -59,8 +45,8 @@ TEST_F(RecognitionTest, soundFromAnyRateIsWrittenDownAsWell)
 {
     // Bare, the model has no word for what was resampled on its way.
     for (const QString &rate : {u"44100"_s, u"48000"_s, u"96000"_s}) {
-        run(u"sox"_s,
-            {InstalledSpeech + u"/sample.wav", u"-r"_s, rate, u"-c"_s, u"2"_s, at(u"resampled.wav")});
+        runTool(u"sox"_s,
+                {InstalledSpeech + u"/sample.wav", u"-r"_s, rate, u"-c"_s, u"2"_s, at(u"resampled.wav")});
         EXPECT_EQ(words(transcribe(at(u"resampled.wav")).text),
                   words(u"Ever tried. Ever failed. No matter. Try again. Fail again. Fail better."_s))
             << rate.toStdString();
@@ -87,7 +73,7 @@ TEST_F(RecognitionTest, sentencesDrawnAtRunTimeAreHeard)
             QStringList{draw(subjects), draw(verbs), draw(objects), draw(times)}.join(u' ') + u". "_s;
     }
 
-    run(u"espeak-ng"_s, {u"-s"_s, u"140"_s, u"-w"_s, at(u"said.wav"), sentences});
+    runTool(u"espeak-ng"_s, {u"-s"_s, u"140"_s, u"-w"_s, at(u"said.wav"), sentences});
     const QStringList heard = words(transcribe(at(u"said.wav")).text);
     const QStringList said = words(sentences);
     const auto understood =
@@ -108,7 +94,7 @@ TEST_F(RecognitionTest, nothingIsHeardWhereNothingIsSaid)
     for (const auto &[what, effects] : rows) {
         SCOPED_TRACE(what);
         const QStringList format = {u"-n"_s, u"-r"_s, u"16000"_s, u"-c"_s, u"1"_s, u"-b"_s, u"16"_s};
-        run(u"sox"_s, QStringList(format) << at(u"quiet.wav") << effects);
+        runTool(u"sox"_s, QStringList(format) << at(u"quiet.wav") << effects);
         EXPECT_EQ(transcribe(at(u"quiet.wav")).text, QString());
     }
 }
@@ -117,7 +103,7 @@ TEST_F(RecognitionTest, resultsComeInOrderWithTheirPlaceInTheSound)
 {
     // The sample three times, five seconds apart: at least three stretches.
     const QString sample = InstalledSpeech + u"/sample.wav";
-    run(u"sox"_s, {sample, sample, sample, at(u"long.wav"), u"pad"_s, u"0"_s, u"5"_s});
+    runTool(u"sox"_s, {sample, sample, sample, at(u"long.wav"), u"pad"_s, u"0"_s, u"5"_s});
     std::optional<AudioDuration> length;
     std::vector<SpeechResult> results;
     awaited(Transcriber::transcribe(
@@ -195,8 +181,7 @@ TEST_F(RecognitionTest, aFolderThatThePersonAddsBringsItsLanguages)
     EXPECT_EQ(extended.supportedLocale(u"bg_BG"_s), u"bg-BG"_s);
     EXPECT_EQ(extended.supportedLocale(u"tlh"_s), std::nullopt);
     EXPECT_TRUE(extended.bestAudioFormat(u"en"_s));
-    Log::flush();
-    EXPECT_EQ(Files::read(Log::file()).count("speech model ignored folder=\"broken\""), 1);
+    EXPECT_EQ(logText().count("speech model ignored folder=\"broken\""), 1);
     const auto transcript =
         awaited(Transcriber::transcribe(extended, files, InstalledSpeech + u"/sample.wav", u"eo"_s, {}));
     EXPECT_FALSE(transcript.text.isEmpty());

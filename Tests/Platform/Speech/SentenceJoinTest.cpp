@@ -8,13 +8,7 @@ using namespace Qt::StringLiterals;
 
 TEST(SentenceJoin, onlyWhatTheCutMadeIsTakenBack)
 {
-    struct Row {
-        QString before;
-        QString after;
-        double pause;
-        QString joined;
-    };
-    const Row rows[] = {
+    const std::tuple<QString, QString, double, QString> rows[] = {
         // the sentence goes on
         {u"And so, ask not."_s, u"What your country can do for you."_s, 0.96,
          u"And so, ask not what your country can do for you."_s},
@@ -59,9 +53,9 @@ TEST(SentenceJoin, onlyWhatTheCutMadeIsTakenBack)
         {u"Over."_s, u""_s, 0.1, u"Over. "_s},
     };
     const SentenceJoin join({u"Rust"_s, u"tables"_s});
-    for (Row row : rows) {
-        join.repair(row.before, row.after, AudioDuration(row.pause));
-        EXPECT_EQ(QString(row.before + u' ' + row.after), row.joined);
+    for (auto [before, after, pause, joined] : rows) {
+        join.repair(before, after, AudioDuration(pause));
+        EXPECT_EQ(QString(before + u' ' + after), joined);
     }
 }
 

@@ -3,6 +3,8 @@
 #include "Platform/Linux/Speech/StretchCutter.h"
 
 #include <algorithm>
+#include <cmath>
+#include <gtest/gtest.h>
 #include <random>
 
 namespace vesk::test {
@@ -29,6 +31,34 @@ inline bool isNoticed(const std::vector<Spoken> &spoken, std::int64_t position, 
 inline bool covers(const Stretch &stretch, const Spoken &piece)
 {
     return stretch.begin <= samples(piece.from) && stretch.end >= samples(piece.to);
+}
+
+/// Every piece lies whole in one of the stretches, which follow each other.
+inline void expectNothingLost(const std::vector<Stretch> &stretches, const std::vector<Spoken> &spoken)
+{
+    std::size_t stretch = 0;
+    for (const Spoken &piece : spoken) {
+        while (stretch < stretches.size() && stretches[stretch].end < samples(piece.to)) {
+            ++stretch;
+            ASSERT_TRUE(stretch == stretches.size()
+                        || stretches[stretch].begin >= stretches[stretch - 1].end);
+        }
+        ASSERT_LT(stretch, stretches.size()) << "at " << piece.from;
+        EXPECT_TRUE(covers(stretches[stretch], piece)) << "at " << piece.from;
+    }
+}
+
+/// Someone who speaks without a pause and is quieter for a moment only, and where that must be cut.
+inline const std::vector<Spoken> WithoutAPause = {{0.5, 70}};
+inline float energyOfABreath(double at) { return std::abs(at - 23.4) < 0.05 ? 0.1F : 1.0F; }
+inline void expectCutAtTheBreath(const std::vector<Stretch> &stretches)
+{
+    ASSERT_GE(stretches.size(), 3U);
+    EXPECT_NEAR(static_cast<double>(stretches[0].end) / Second, 23.4, 0.1);
+    EXPECT_EQ(stretches[0].end, stretches[1].begin); // nothing lost, nothing twice
+    for (const Stretch &stretch : stretches) {
+        EXPECT_LE(stretch.end - stretch.begin, 29 * Second);
+    }
 }
 
 /// Two minutes of speech and pauses between the shortest (seconds) and a longest one.
