@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QTemporaryDir>
+#include <QUuid>
 
 namespace vesk {
 
@@ -140,6 +141,30 @@ TEST_F(Operation, dictationUploadsTheRecordingWhole)
     EXPECT_TRUE(parts->back().content == sound) << parts->back().content.size();
     const QMap<QByteArray, QByteArray> expected = {{"context", "null"}, {"vocabulary", "[]"}};
     EXPECT_EQ(lastFields(), expected);
+}
+
+TEST_F(Operation, boundaryIsAnUpperCaseUuidNewForEachUpload)
+{
+    QSet<QString> boundaries;
+    for (int i = 0; i < 2; ++i) {
+        awaited(client().dictation(recording(u"a.m4a"_s), std::nullopt, {}));
+        const QString type =
+            QString::fromLatin1(header(server.requests().back().headers, "Content-Type").value_or(""));
+        ASSERT_TRUE(type.startsWith(u"multipart/form-data; boundary="_s));
+        const QString boundary = type.mid(30);
+        EXPECT_EQ(QUuid(boundary).toString(QUuid::WithoutBraces).toUpper(), boundary);
+        boundaries.insert(boundary);
+        // The bytes as they stand, once, beside the parsed ones.
+        const QByteArray line = "--" + boundary.toLatin1();
+        EXPECT_EQ(server.requests().back().body,
+                  line + "\r\nContent-Disposition: form-data; name=\"context\"\r\n\r\nnull\r\n"        //
+                      + line + "\r\nContent-Disposition: form-data; name=\"vocabulary\"\r\n\r\n[]\r\n" //
+                      + line
+                      + "\r\nContent-Disposition: form-data; name=\"audio\"; filename=\"dictation.m4a\"\r\n"
+                        "Content-Type: audio/mp4\r\n\r\nsound\r\n"
+                      + line + "--\r\n");
+    }
+    EXPECT_EQ(boundaries.size(), 2);
 }
 
 TEST_F(Operation, recordingIsNamedAfterItsExtension)
