@@ -4,10 +4,11 @@
 //
 //   vesk_application_at_rest [LAUNCHES] [MINUTES]
 
-#include "Desktop/DesktopProgram.h"
 #include "Desktop/ShippedApplication.h"
 #include "Desktop/TrayPeer.h"
+#include "DesktopProgram.h"
 #include "Foundation/Config.h"
+#include "ProcessFigures.h"
 #include "Server/AccountFile.h"
 
 #include <QCoreApplication>
@@ -66,20 +67,20 @@ void measure(const QString &program, int launches, int minutes)
     configure(u"xx"_s); // no model speaks it, so none is loaded
     application.launch();
     test::pause(Settling);
-    std::printf("memory without a model: %.0f MiB\n", application.memory());
+    std::printf("memory without a model: %.0f MiB\n", ProcessFigures::memory(application.processId()));
     application.kill();
     configure(u"en-US"_s);
     application.start();
     test::pause(Settling);
-    std::printf("memory with the model: %.0f MiB\n", application.memory());
-    const double processor = application.processorTime();
-    const qint64 wakeUps = application.wakeUps();
+    std::printf("memory with the model: %.0f MiB\n", ProcessFigures::memory(application.processId()));
+    const double processor = ProcessFigures::processorTime(application.processId());
+    const qint64 wakeUps = ProcessFigures::wakeUps(application.processId());
     const auto start = Clock::now();
     test::pause(std::chrono::minutes(minutes));
     const double seconds = since(start) / 1000;
     std::printf("at rest for %.0f s: %.3f %% processor, %.2f wake-ups a second\n", seconds,
-                100 * (application.processorTime() - processor) / seconds,
-                static_cast<double>(application.wakeUps() - wakeUps) / seconds);
+                100 * (ProcessFigures::processorTime(application.processId()) - processor) / seconds,
+                static_cast<double>(ProcessFigures::wakeUps(application.processId()) - wakeUps) / seconds);
 }
 
 } // namespace

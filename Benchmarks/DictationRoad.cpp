@@ -9,11 +9,12 @@
 // loopback answers after 0.1 s. --heard writes a table of file name, tab, text for a program that counts
 // wrong words.
 
-#include "Desktop/DesktopProgram.h"
 #include "Desktop/Peer.h"
 #include "Desktop/ShippedApplication.h"
+#include "DesktopProgram.h"
 #include "Dictation/HistoryStore.h"
 #include "Foundation/Config.h"
+#include "ProcessFigures.h"
 #include "Server/AccountFile.h"
 #include "Support/VeskServer.h"
 
@@ -72,7 +73,7 @@ Times measure(const Options &options)
     test::Screen screen;
     const auto editor = test::startMousepad(screen);
     test::ShippedApplication application(QCoreApplication::applicationDirPath() + u"/vesk");
-    std::printf("memory with the model: %.0f MiB\n", application.memory());
+    std::printf("memory with the model: %.0f MiB\n", ProcessFigures::memory(application.processId()));
     test::Process reader(
         u"/usr/bin/python3"_s,
         {{QStringLiteral(VESK_TEST_PEERS "/insertion_times.py"), QString::number(editor->process().id())},
@@ -97,7 +98,8 @@ Times measure(const Options &options)
         }
         test::pause(std::chrono::seconds(1)); // the clipboard goes back
         if ((i + 1) % 50 == 0 || i + 1 == options.count) {
-            std::printf("memory after %d dictations: %.0f MiB\n", i + 1, application.memory());
+            std::printf("memory after %d dictations: %.0f MiB\n", i + 1,
+                        ProcessFigures::memory(application.processId()));
         }
     }
     const HistoryStore history;

@@ -2,7 +2,7 @@
 // Median and 95th percentile in milliseconds, from the question to the whole context, with the limits of the
 // product.
 
-#include "Desktop/FieldPrograms.h"
+#include "Desktop/AccessibilityFixture.h"
 #include "Desktop/Supervisor.h"
 
 #include <QCoreApplication>
@@ -94,7 +94,7 @@ int main(int argc, char **argv)
     return supervised([&] {
         QCoreApplication application(argc, argv);
         try {
-            const PrivateDesktop desktop({});
+            const PrivateDesktop desktop;
             return measureAll(repetitions);
         } catch (const std::exception &error) {
             std::fprintf(stderr, "%s\n", error.what());

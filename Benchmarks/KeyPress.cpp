@@ -1,8 +1,8 @@
 // From the key going down, injected into a private desktop, to the call that starts a dictation:
 // vesk_key_press [COUNT]
 
-#include "Desktop/DesktopProgram.h"
 #include "Desktop/Screen.h"
+#include "DesktopProgram.h"
 #include "Dictation/Hotkey.h"
 #include "Platform/Linux/Keys/InjectedKeys.h"
 #include "Platform/Linux/Keys/XInputKeyEvents.h"

@@ -3,8 +3,8 @@
 // the clipboard has been given back, so that each takes its own snapshot of it. Arguments: the number of
 // pastes (100).
 
-#include "Desktop/DesktopProgram.h"
 #include "Desktop/Peer.h"
+#include "DesktopProgram.h"
 #include "Dictation/Inserter.h"
 #include "Dictation/PasteboardLoan.h"
 #include "Platform/Linux/Keys/InjectedKeys.h"

@@ -17,24 +17,14 @@ const QString Canary = u"Kanarienvogel-7391"_s;
 
 TEST_F(ApplicationTest, whatIsSaidIntoAPasswordFieldStaysHere)
 {
-    const struct {
-        const char *what;
-        std::function<std::unique_ptr<Peer>(Screen &)> start;
-    } rows[] = {
-        {"GTK 3", [](Screen &on) { return startGtk(on, 3, u"hidden"_s, Canary, {0, 5}); }},
-        {"GTK 4", [](Screen &on) { return startGtk(on, 4, u"hidden"_s, Canary, {0, 5}); }},
-        {"GTK 4 password entry", [](Screen &on) { return startGtk(on, 4, u"password"_s, Canary, {0, 5}); }},
-        {"Qt", [](Screen &on) { return startQt(on, u"password"_s, Canary, {0, 5}); }},
-        {"Chromium", [](Screen &on) { return startChromium(on, u"password"_s, Canary, {0, 5}); }},
-    };
     Config config;
     config.speech = u"cloud"_s;
     configure(config, true);
     const qsizetype remembered = HistoryStore().entries().size();
     qsizetype spoken = ShippedApplication::log().count("dictation how=secure");
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.what);
-        const auto window = row.start(screen);
+    for (const auto &[kind, start] : passwordFields()) {
+        SCOPED_TRACE(kind);
+        const auto window = start(screen, Canary);
         ASSERT_TRUE(eventually([&] { return reader.focusedField(window->process().id()).has_value(); }));
         speak();
         EXPECT_TRUE(ShippedApplication::waitForLog("dictation how=secure", ++spoken))

@@ -75,30 +75,12 @@ TEST_F(ApplicationTest, whatTheServerMakesOfItIsTyped)
          R"({"error":"upstream","raw":"thank you"})", u"thank you"_s, "dictation how=cloud-raw chars=9>9"},
         {"clean-up", onThisMachine(true), true, "cleanup", 200, R"({"text":"Cleaned."})", u"Cleaned."_s,
          "dictation how=mac "},
-        {"clean-up that fails",
-         onThisMachine(true),
-         true,
-         "cleanup",
-         500,
-         R"({"error":"busy"})",
-         {},
+        {"clean-up that fails", onThisMachine(true), true, "cleanup", 500, R"({"error":"busy"})", QString(),
          " note=1"},
-        {"nobody signed in",
-         onThisMachine(true),
-         false,
-         "cleanup",
-         200,
-         R"({"text":"Never asked"})",
-         {},
-         " note=1"},
-        {"nobody signed in, for upload",
-         byUpload(),
-         false,
-         "dictation",
-         200,
-         R"({"text":"Never asked"})",
-         {},
-         "dictation how=mac "},
+        {"nobody signed in", onThisMachine(true), false, "cleanup", 200, R"({"text":"Never asked"})",
+         QString(), " note=1"},
+        {"nobody signed in, for upload", byUpload(), false, "dictation", 200, R"({"text":"Never asked"})",
+         QString(), "dictation how=mac "},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.what);
@@ -253,9 +235,7 @@ TEST_F(ApplicationTest, whatFailedToUploadIsTriedAgainFromTheMenuAlsoAfterAResta
 TEST_F(ApplicationTest, whatWasBeingRecordedOrSentWhenItWasKilledIsOffered)
 {
     configure(byUpload(), true);
-    Script silent;
-    silent.manner = Script::Manner::silent;
-    server.script("dictation", silent);
+    server.script("dictation", behaving(Script::Manner::silent));
     TrayPeer tray;
     const auto editor = startMousepad(screen);
     for (const bool isSending : {false, true}) {

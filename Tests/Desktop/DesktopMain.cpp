@@ -27,7 +27,7 @@ int runOnDesktop(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
     try {
-        const vesk::test::PrivateDesktop desktop({});
+        const vesk::test::PrivateDesktop desktop;
         return runEveryCase();
     } catch (const std::exception &error) {
         std::fprintf(stderr, "no private desktop: %s\n", error.what());

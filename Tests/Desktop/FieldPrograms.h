@@ -2,18 +2,16 @@
 
 #include "Desktop/Peer.h"
 #include "Desktop/PrivateDesktop.h"
-#include "Dictation/FocusCapture.h"
-#include "Platform/Linux/Accessibility/LinuxAccessibility.h"
-#include "Support/Await.h"
 
+#include <QDir>
 #include <QFile>
 #include <QUrl>
 
-#include <gtest/gtest.h>
+#include <map>
 
 namespace vesk::test {
 
-constexpr qint64 SelectionLimit = 2000;
+using namespace Qt::StringLiterals;
 
 /// Where the text of a program's field is selected, in code points.
 struct Selected {
@@ -37,10 +35,10 @@ inline QString peerFile(const char *name)
 inline std::unique_ptr<Peer> startGtk(Screen &screen, int version, const QString &kind, const QString &text,
                                       Selected selected = {})
 {
-    return std::make_unique<Peer>(screen, QStringLiteral("/usr/bin/python3"),
+    return std::make_unique<Peer>(screen, u"/usr/bin/python3"_s,
                                   QStringList{peerFile("gtk_field.py"), QString::number(version), kind, text,
                                               QString::number(selected.start), QString::number(selected.end)},
-                                  QStringLiteral("GTK %1 %2").arg(version).arg(kind));
+                                  u"GTK %1 %2"_s.arg(version).arg(kind));
 }
 
 inline std::unique_ptr<Peer> startQt(Screen &screen, const QString &kind, const QString &text,
@@ -49,50 +47,46 @@ inline std::unique_ptr<Peer> startQt(Screen &screen, const QString &kind, const 
     return std::make_unique<Peer>(screen, QStringLiteral(VESK_TEST_QT_FIELD),
                                   QStringList{kind, text, QString::number(units(text, selected.start)),
                                               QString::number(units(text, selected.end))},
-                                  QStringLiteral("Qt ") + kind);
+                                  u"Qt "_s + kind);
 }
 
 /// The address of the page with its field, content and selection.
 inline QString pageAddress(const QString &field, const QString &text, Selected selected)
 {
     QUrl page = QUrl::fromLocalFile(peerFile("field.html"));
-    page.setFragment(QString::fromLatin1(
-        QUrl::toPercentEncoding(QStringLiteral("%1,%2,%3,%4")
-                                    .arg(field, text, QString::number(units(text, selected.start)),
-                                         QString::number(units(text, selected.end))))));
+    page.setFragment(QString::fromLatin1(QUrl::toPercentEncoding(
+        u"%1,%2,%3,%4"_s.arg(field, text, QString::number(units(text, selected.start)),
+                             QString::number(units(text, selected.end))))));
     return page.toString(QUrl::FullyEncoded);
 }
 
 inline std::unique_ptr<Peer> startChromium(Screen &screen, const QString &field, const QString &text,
                                            Selected selected = {}, bool isAccessible = true)
 {
-    QStringList arguments = {QStringLiteral("--no-sandbox"),
-                             QStringLiteral("--no-first-run"),
-                             QStringLiteral("--disable-background-networking"),
-                             QStringLiteral("--disable-component-update"),
-                             QStringLiteral("--disable-sync"),
-                             QStringLiteral("--disable-quic"),
-                             QStringLiteral("--disable-gpu"),
-                             QStringLiteral("--password-store=basic"),
-                             QStringLiteral("--disable-search-engine-choice-screen"),
-                             QStringLiteral("--host-resolver-rules=MAP * ~NOTFOUND"),
-                             QStringLiteral("--user-data-dir=")
-                                 + PrivateDesktop::current().folder(QStringLiteral("data/chromium"))};
+    QStringList arguments = {u"--no-sandbox"_s,
+                             u"--no-first-run"_s,
+                             u"--disable-background-networking"_s,
+                             u"--disable-component-update"_s,
+                             u"--disable-sync"_s,
+                             u"--disable-quic"_s,
+                             u"--disable-gpu"_s,
+                             u"--password-store=basic"_s,
+                             u"--disable-search-engine-choice-screen"_s,
+                             u"--host-resolver-rules=MAP * ~NOTFOUND"_s,
+                             u"--user-data-dir="_s + PrivateDesktop::current().folder(u"data/chromium"_s)};
     if (isAccessible) {
-        arguments.append(QStringLiteral("--force-renderer-accessibility"));
+        arguments.append(u"--force-renderer-accessibility"_s);
     }
     arguments.append(pageAddress(field, text, selected));
-    return std::make_unique<Peer>(screen, QStringLiteral("chromium"), arguments,
-                                  QStringLiteral("Field page - Chromium"));
+    return std::make_unique<Peer>(screen, u"chromium"_s, arguments, u"Field page - Chromium"_s);
 }
 
 inline std::unique_ptr<Peer> startFirefox(Screen &screen, const QString &field, const QString &text,
                                           Selected selected = {})
 {
-    const QString profile =
-        PrivateDesktop::current().folder(QStringLiteral("data")) + QStringLiteral("/firefox");
+    const QString profile = PrivateDesktop::current().folder(u"data"_s) + u"/firefox"_s;
     QDir().mkpath(profile);
-    QFile preferences(profile + QStringLiteral("/user.js"));
+    QFile preferences(profile + u"/user.js"_s);
     if (preferences.open(QIODevice::WriteOnly)) {
         preferences.write(
             "user_pref('network.proxy.type', 1); user_pref('network.proxy.http', '127.0.0.1');\n"
@@ -102,69 +96,25 @@ inline std::unique_ptr<Peer> startFirefox(Screen &screen, const QString &field, 
             "user_pref('browser.shell.checkDefaultBrowser', false);\n");
     }
     preferences.close();
-    return std::make_unique<Peer>(screen, QStringLiteral("firefox-esr"),
-                                  QStringList{QStringLiteral("--no-remote"), QStringLiteral("--profile"),
-                                              profile, pageAddress(field, text, selected)},
-                                  QStringLiteral("Field page . Mozilla Firefox"));
+    return std::make_unique<Peer>(
+        screen, u"firefox-esr"_s,
+        QStringList{u"--no-remote"_s, u"--profile"_s, profile, pageAddress(field, text, selected)},
+        u"Field page . Mozilla Firefox"_s);
 }
 
-/// A Vesk that has been running for a while, in front of a desktop.
-class AccessibilityTest : public testing::Test {
-protected:
-    AccessibilityTest()
-    {
-        if (!eventually([this] { return accessibility.isReady(); })) {
-            throw std::runtime_error("no accessibility bus");
-        }
-    }
-
-    FocusContext captured()
-    {
-        return awaited(FocusCapture::capture(accessibility, SelectionLimit)).value_or(FocusContext());
-    }
-
-    /// The context once it satisfies the condition: a program that has just started needs a moment.
-    template <typename Condition>
-    FocusContext contextWhen(Condition condition)
-    {
-        FocusContext context;
-        const bool isSo = eventually(
-            [&] {
-                context = captured();
-                return condition(context);
-            },
-            std::chrono::seconds(30));
-        EXPECT_TRUE(isSo) << describe(context);
-        return context;
-    }
-
-    FocusContext contextWithText()
-    {
-        return contextWhen([](const FocusContext &context) {
-            return context.textBefore && context.textAfter
-                && !QString(*context.textBefore + *context.textAfter).isEmpty();
-        });
-    }
-
-    static std::string describe(const FocusContext &context)
-    {
-        const auto shown = [](const std::optional<QString> &text) {
-            return text ? u'\'' + text->left(80) + u'\'' : QStringLiteral("absent");
-        };
-        const QStringList parts = {context.appName,
-                                   context.bundleID,
-                                   shown(context.windowTitle),
-                                   shown(context.role),
-                                   shown(context.label),
-                                   shown(context.textBefore),
-                                   shown(context.selectedText),
-                                   shown(context.textAfter),
-                                   context.isSecure ? QStringLiteral("secure") : QStringLiteral("plain")};
-        return parts.join(u" | ").toStdString();
-    }
-
-    Screen screen;
-    LinuxAccessibility accessibility;
-};
+/// Every kind of field that hides what stands in it, with the beginning of the secret selected.
+inline std::map<std::string, std::unique_ptr<Peer> (*)(Screen &, const QString &)> passwordFields()
+{
+    return {
+        {"GTK 3", [](Screen &on, const QString &text) { return startGtk(on, 3, u"hidden"_s, text, {0, 5}); }},
+        {"GTK 4", [](Screen &on, const QString &text) { return startGtk(on, 4, u"hidden"_s, text, {0, 5}); }},
+        {"GTK 4 password entry",
+         [](Screen &on, const QString &text) { return startGtk(on, 4, u"password"_s, text, {0, 5}); }},
+        {"GTK 4 peeked",
+         [](Screen &on, const QString &text) { return startGtk(on, 4, u"peeked"_s, text, {0, 5}); }},
+        {"Qt", [](Screen &on, const QString &text) { return startQt(on, u"password"_s, text, {0, 5}); }},
+        {"Chromium",
+         [](Screen &on, const QString &text) { return startChromium(on, u"password"_s, text, {0, 5}); }}};
+}
 
 } // namespace vesk::test

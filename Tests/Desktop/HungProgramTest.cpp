@@ -1,4 +1,4 @@
-#include "Desktop/FieldPrograms.h"
+#include "Desktop/AccessibilityFixture.h"
 #include "Support/AccessibilityContract.h"
 
 #include <QElapsedTimer>

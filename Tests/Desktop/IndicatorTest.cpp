@@ -7,9 +7,11 @@
 
 namespace vesk::test {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString Title = QStringLiteral("Vesk");
+const QString Title = u"Vesk"_s;
 
 /// Waits until the indicator stands there.
 bool standsAt(Screen &screen, const QRect &frame)
@@ -25,15 +27,13 @@ bool standsAt(Screen &screen, const QRect &frame)
 QByteArray shape(Screen &screen)
 {
     const auto seen = screen.seen(Title);
-    return seen ? run(QStringLiteral("xwininfo"),
-                      {QStringLiteral("-shape"), QStringLiteral("-id"), QString::number(seen->id)})
-                : QByteArray();
+    return seen ? run(u"xwininfo"_s, {u"-shape"_s, u"-id"_s, QString::number(seen->id)}) : QByteArray();
 }
 
 void setMonitors(const std::vector<const char *> &commands)
 {
     for (const char *command : commands) {
-        run(QStringLiteral("xrandr"), QString::fromLatin1(command).split(u' '));
+        run(u"xrandr"_s, QString::fromLatin1(command).split(u' '));
     }
 }
 
@@ -43,21 +43,18 @@ TEST(Indicator, takesNeitherFocusNorClicksAndIsInNoList)
 {
     Screen screen;
     // Covers the bottom of the screen, and never gets the focus but by a click.
-    Peer below(screen, QStringLiteral("xterm"),
-               {QStringLiteral("-T"), QStringLiteral("below"), QStringLiteral("-geometry"),
-                QStringLiteral("200x58+0+0"), QStringLiteral("-e"), QStringLiteral("cat")},
-               QStringLiteral("^below$"));
-    Peer front(screen, QStringLiteral("xterm"),
-               {QStringLiteral("-T"), QStringLiteral("front"), QStringLiteral("-geometry"),
-                QStringLiteral("40x10+0+0"), QStringLiteral("-e"), QStringLiteral("cat")},
-               QStringLiteral("^front$"));
+    const QStringList rest = {u"-e"_s, u"cat"_s};
+    Peer below(screen, u"xterm"_s, QStringList{u"-T"_s, u"below"_s, u"-geometry"_s, u"200x58+0+0"_s} + rest,
+               u"^below$"_s);
+    Peer front(screen, u"xterm"_s, QStringList{u"-T"_s, u"front"_s, u"-geometry"_s, u"40x10+0+0"_s} + rest,
+               u"^front$"_s);
     ShellProgram shell;
-    shell.say(QStringLiteral("listening locked"));
+    shell.say(u"listening locked"_s);
     const QRect frame((1280 - 129) / 2, 800 - 28 - 34, 129, 34);
     ASSERT_TRUE(standsAt(screen, frame));
     const auto seen = screen.seen(Title);
     EXPECT_FALSE(seen->isManaged);
-    EXPECT_TRUE(screen.waitForNoWindow(QStringLiteral("^Vesk$"), std::chrono::milliseconds(0)));
+    EXPECT_TRUE(screen.waitForNoWindow(u"^Vesk$"_s, std::chrono::milliseconds(0)));
     EXPECT_EQ(screen.activeWindow(), front.window());
     EXPECT_TRUE(screen.isOnTop(seen->id));
 
@@ -65,7 +62,7 @@ TEST(Indicator, takesNeitherFocusNorClicksAndIsInNoList)
     EXPECT_TRUE(screen.waitUntil([&] { return screen.activeWindow() == below.window(); }));
     EXPECT_TRUE(screen.isOnTop(seen->id)); // also above the window that was raised by the click
 
-    shell.say(QStringLiteral("flash Copied"));
+    shell.say(u"flash Copied"_s);
     EXPECT_TRUE(screen.waitUntil([&] { return !screen.seen(Title); })) << "the message stays";
     EXPECT_EQ(screen.activeWindow(), below.window());
 }
@@ -74,8 +71,8 @@ TEST(Indicator, growsWithTheScaleOfTheDesktop)
 {
     Screen screen;
     screen.movePointer(600, 100);
-    ShellProgram shell({{QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2")}});
-    shell.say(QStringLiteral("listening"));
+    ShellProgram shell({{u"QT_SCALE_FACTOR"_s, u"2"_s}});
+    shell.say(u"listening"_s);
     // Logical pixels of a screen of 640 by 400.
     EXPECT_TRUE(standsAt(screen, QRect(2 * ((640 - 107) / 2), 2 * (400 - 62), 214, 68)));
 }
@@ -87,10 +84,10 @@ TEST(Indicator, standsOnTheScreenOfThePointerAndFollowsChanges)
         {"--setmonitor left 640/170x800/212+0+0 screen", "--setmonitor right 640/170x700/212+640+0 none"});
     ShellProgram shell;
     screen.movePointer(100, 100);
-    shell.say(QStringLiteral("listening"));
+    shell.say(u"listening"_s);
     EXPECT_TRUE(standsAt(screen, QRect(266, 800 - 62, 107, 34)));
     screen.movePointer(900, 100);
-    shell.say(QStringLiteral("listening"));
+    shell.say(u"listening"_s);
     EXPECT_TRUE(standsAt(screen, QRect(640 + 266, 700 - 62, 107, 34)));
     // The second screen goes while the indicator is on it.
     setMonitors({"--delmonitor right", "--delmonitor left"});
@@ -101,17 +98,13 @@ TEST(Indicator, isCutOutUntilACompositorRuns)
 {
     Screen screen;
     ShellProgram shell;
-    shell.say(QStringLiteral("listening"));
+    shell.say(u"listening"_s);
     ASSERT_TRUE(standsAt(screen, QRect((1280 - 107) / 2, 800 - 62, 107, 34)));
     EXPECT_FALSE(shape(screen).contains("No window shape defined")) << shape(screen).constData();
-    const Process compositor(QStringLiteral("picom"),
-                             {{QStringLiteral("--backend"), QStringLiteral("xrender"),
-                               QStringLiteral("--config"), QStringLiteral("/dev/null")},
-                              QProcess::SeparateChannels,
-                              {},
-                              {}});
+    const Process compositor(u"picom"_s,
+                             QStringList{u"--backend"_s, u"xrender"_s, u"--config"_s, u"/dev/null"_s});
     EXPECT_TRUE(screen.waitUntil([&] {
-        shell.say(QStringLiteral("listening"));
+        shell.say(u"listening"_s);
         return shape(screen).contains("No window shape defined");
     })) << shape(screen).constData();
 }

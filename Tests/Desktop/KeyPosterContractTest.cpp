@@ -13,6 +13,8 @@
 
 namespace vesk {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 KeyPosterUnderTest fake(Clock &clock)
@@ -49,7 +51,7 @@ TEST(KeyPosterWithoutDisplay, saysSoToWhoWantsToPaste)
         FakePasteboard board;
         PasteboardLoan loan(board, clock);
         EXPECT_FALSE(keys.availability().reason().isEmpty());
-        EXPECT_THROW(awaited(Inserter::paste(loan, keys, QStringLiteral("x"))), InsertionError);
+        EXPECT_THROW(awaited(Inserter::paste(loan, keys, u"x"_s)), InsertionError);
         EXPECT_EQ(board.changeCount(PasteboardName::general), 0);
     }
     qputenv("DISPLAY", display);

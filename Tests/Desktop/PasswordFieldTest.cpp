@@ -1,4 +1,4 @@
-#include "Desktop/FieldPrograms.h"
+#include "Desktop/AccessibilityFixture.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Accessibility/FieldFacts.h"
 
@@ -79,17 +79,11 @@ protected:
     }
 };
 
-TEST_F(PasswordFieldTest, gtk3KeepsItsSecret)
+TEST_F(PasswordFieldTest, everyKindOfFieldKeepsItsSecret)
 {
-    const auto window = startGtk(screen, 3, u"hidden"_s, Canary, {0, 5});
-    expectTheSecretIsKept();
-}
-
-TEST_F(PasswordFieldTest, gtk4KeepsItsSecretInEveryKindOfField)
-{
-    for (const char *kind : {"hidden", "password", "peeked"}) {
+    for (const auto &[kind, start] : passwordFields()) {
         SCOPED_TRACE(kind);
-        const auto window = startGtk(screen, 4, QLatin1String(kind), Canary, {0, 5});
+        const auto window = start(screen, Canary);
         expectTheSecretIsKept();
     }
 }
@@ -103,31 +97,15 @@ TEST_F(PasswordFieldTest, aFieldThatOnceHidItsTextStaysSecretWhenItShowsIt)
     expectTheSecretIsKept();
 }
 
-TEST_F(PasswordFieldTest, qtKeepsItsSecret)
-{
-    const auto window = startQt(screen, u"password"_s, Canary, {0, 5});
-    expectTheSecretIsKept();
-}
-
-TEST_F(PasswordFieldTest, chromiumKeepsItsSecret)
-{
-    const auto window = startChromium(screen, u"password"_s, Canary, {0, 5});
-    expectTheSecretIsKept();
-}
-
 TEST_F(PasswordFieldTest, whatAFieldDisplaysTellsWhetherItHides)
 {
-    const struct {
-        QString displayed;
-        qint64 count;
-        bool isHidden;
-    } rows[] = {
+    const std::tuple<QString, qint64, bool> rows[] = {
         {u"●●●●"_s, 4, true},   {u"●"_s, 1, true},  {u"●●●x"_s, 4, true},      {u"****"_s, 4, true},
         {u""_s, 4, true},       {u""_s, 0, false},  {u"Dear Sir"_s, 8, false}, {u"www"_s, 3, false},
         {u"●●x●●"_s, 5, false}, {u"x"_s, 1, false}, {u"  "_s, 2, false},
     };
-    for (const auto &row : rows) {
-        EXPECT_EQ(looksHidden(row.displayed, row.count), row.isHidden) << row.displayed.toStdString();
+    for (const auto &[displayed, count, isHidden] : rows) {
+        EXPECT_EQ(looksHidden(displayed, count), isHidden) << displayed.toStdString();
     }
 }
 

@@ -3,7 +3,6 @@
 #include "Desktop/Screen.h"
 
 #include <QDir>
-#include <QFile>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -11,6 +10,8 @@
 #include <unistd.h>
 
 namespace vesk::test {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -33,15 +34,15 @@ QByteArray readDisplayNumber(int descriptor)
 
 } // namespace
 
-PrivateDesktop::PrivateDesktop(const Options &options)
+PrivateDesktop::PrivateDesktop(const QString &screen)
 {
     if (!m_folder.isValid()) {
         throw std::runtime_error("no folder for the private desktop");
     }
     setEnvironment();
-    startDisplay(options.screen);
+    startDisplay(screen);
     startSessionBus();
-    startAccessibilityBus(options.isAccessible);
+    startAccessibilityBus();
     startWindowManager();
     theDesktop = this;
 }
@@ -49,7 +50,7 @@ PrivateDesktop::PrivateDesktop(const Options &options)
 PrivateDesktop::~PrivateDesktop()
 {
     theDesktop = nullptr;
-    m_accessibilityBus.reset();
+    endAccessibilityBus();
     while (!m_services.empty()) {
         m_services.pop_back();
     }
@@ -68,8 +69,7 @@ void PrivateDesktop::setEnvironment()
     for (const char *folder : {"run", "home", "config", "data", "cache", "tmp", "logs"}) {
         QDir().mkpath(m_folder.filePath(QLatin1String(folder)));
     }
-    QFile::setPermissions(folder(QStringLiteral("run")),
-                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QFile::setPermissions(folder(u"run"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     const auto set = [this](const char *variable, const char *folder) {
         qputenv(variable, QFile::encodeName(m_folder.filePath(QLatin1String(folder))));
     };
@@ -102,14 +102,12 @@ void PrivateDesktop::startDisplay(const QString &screen)
         throw std::runtime_error("no pipe for Xvfb");
     }
     const int writing = ends[1];
-    m_services.push_back(std::make_unique<Process>(
-        QStringLiteral("Xvfb"),
-        Process::Options{{QStringLiteral("-displayfd"), QString::number(writing), QStringLiteral("-screen"),
-                          QStringLiteral("0"), screen, QStringLiteral("-nolisten"), QStringLiteral("tcp"),
-                          QStringLiteral("-noreset"), QStringLiteral("-ac")},
-                         QProcess::SeparateChannels,
-                         [writing] { fcntl(writing, F_SETFD, 0); },
-                         {}}));
+    Process::Options options;
+    options.arguments = QStringList{u"-displayfd"_s, QString::number(writing), u"-screen"_s, u"0"_s,
+                                    screen,          u"-nolisten"_s,           u"tcp"_s,     u"-noreset"_s,
+                                    u"-ac"_s};
+    options.beforeExec = [writing] { fcntl(writing, F_SETFD, 0); };
+    m_services.push_back(std::make_unique<Process>(u"Xvfb"_s, options));
     close(writing);
     const QByteArray number = readDisplayNumber(ends[0]);
     close(ends[0]);
@@ -118,50 +116,28 @@ void PrivateDesktop::startDisplay(const QString &screen)
 
 void PrivateDesktop::startSessionBus()
 {
-    auto bus =
-        std::make_unique<Process>(QStringLiteral("dbus-daemon"),
-                                  Process::Options{{QStringLiteral("--session"), QStringLiteral("--nofork"),
-                                                    QStringLiteral("--print-address=1")},
-                                                   QProcess::SeparateChannels,
-                                                   {},
-                                                   {}});
+    auto bus = std::make_unique<Process>(u"dbus-daemon"_s,
+                                         QStringList{u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
     qputenv("DBUS_SESSION_BUS_ADDRESS", bus->readLine());
     m_services.push_back(std::move(bus));
 }
 
-void PrivateDesktop::startAccessibilityBus(bool isAccessible)
+void PrivateDesktop::startAccessibilityBus()
 {
-    m_accessibilityBus =
-        std::make_unique<Process>(QStringLiteral("/usr/libexec/at-spi-bus-launcher"),
-                                  Process::Options{{QStringLiteral("--launch-immediately"),
-                                                    QStringLiteral("--a11y=%1").arg(isAccessible ? 1 : 0)},
-                                                   QProcess::SeparateChannels,
-                                                   {},
-                                                   {}});
+    m_accessibilityBus = std::make_unique<Process>(u"/usr/libexec/at-spi-bus-launcher"_s,
+                                                   QStringList{u"--launch-immediately"_s, u"--a11y=1"_s});
     // Asking the bus for its address would start a second launcher, without our setting: only the name is
     // watched.
-    run(QStringLiteral("gdbus"),
-        {QStringLiteral("wait"), QStringLiteral("--session"), QStringLiteral("--timeout"),
-         QStringLiteral("20"), QStringLiteral("org.a11y.Bus")});
+    run(u"gdbus"_s, {u"wait"_s, u"--session"_s, u"--timeout"_s, u"20"_s, u"org.a11y.Bus"_s});
 }
-
-void PrivateDesktop::endAccessibilityBus() { m_accessibilityBus.reset(); }
 
 void PrivateDesktop::startWindowManager()
 {
-    m_services.push_back(std::make_unique<Process>(
-        QStringLiteral("openbox"),
-        Process::Options{{QStringLiteral("--sm-disable")}, QProcess::SeparateChannels, {}, {}}));
+    m_services.push_back(std::make_unique<Process>(u"openbox"_s, QStringList{u"--sm-disable"_s}));
     Screen screen;
     if (!screen.waitForRootProperty("_NET_SUPPORTING_WM_CHECK")) {
         throw std::runtime_error("openbox does not answer");
     }
-}
-
-QByteArray PrivateDesktop::log(const QString &program) const
-{
-    QFile file(folder(QStringLiteral("logs")) + u'/' + program + QStringLiteral(".log"));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 } // namespace vesk::test

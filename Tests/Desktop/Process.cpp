@@ -11,6 +11,8 @@
 
 namespace vesk::test {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 [[noreturn]] void fail(const QString &sentence) { throw std::runtime_error(sentence.toStdString()); }
@@ -38,12 +40,12 @@ Process::Process(const QString &program, Options options)
         }
     });
     if (const QString logs = qEnvironmentVariable("VESK_TEST_LOGS"); !logs.isEmpty()) {
-        m_process.setStandardErrorFile(logs + u'/' + QFileInfo(program).fileName() + QStringLiteral(".log"),
+        m_process.setStandardErrorFile(logs + u'/' + QFileInfo(program).fileName() + u".log"_s,
                                        QIODevice::Append);
     }
     m_process.start(program, options.arguments);
     if (!m_process.waitForStarted(10'000)) {
-        fail(program + QStringLiteral(" could not be started: ") + m_process.errorString());
+        fail(program + u" could not be started: "_s + m_process.errorString());
     }
 }
 
@@ -64,7 +66,7 @@ QByteArray Process::readLine(std::chrono::milliseconds limit)
     const QDeadlineTimer deadline(limit);
     while (!m_process.canReadLine()) {
         if (deadline.hasExpired() || !isRunning()) {
-            fail(m_program + QStringLiteral(" did not say what was expected of it"));
+            fail(m_program + u" did not say what was expected of it"_s);
         }
         m_process.waitForReadyRead(static_cast<int>(std::min<qint64>(deadline.remainingTime(), 200)));
     }
@@ -97,10 +99,10 @@ QByteArray run(const QString &program, const QStringList &arguments, std::chrono
     if (!process.waitForFinished(static_cast<int>(limit.count()))) {
         process.kill();
         process.waitForFinished(5'000);
-        fail(program + QStringLiteral(" did not end in time"));
+        fail(program + u" did not end in time"_s);
     }
     if (process.exitCode() != 0) {
-        fail(program + u' ' + arguments.join(u' ') + QStringLiteral(" failed: ")
+        fail(program + u' ' + arguments.join(u' ') + u" failed: "_s
              + QString::fromLocal8Bit(process.readAllStandardError()));
     }
     return process.readAllStandardOutput();

@@ -23,6 +23,11 @@ public:
 
     /// Throws std::runtime_error when the program cannot be started.
     Process(const QString &program, Options options);
+    Process(const QString &program, const QStringList &arguments,
+            const QMap<QString, QString> &environment = {})
+        : Process(program, Options{arguments, QProcess::SeparateChannels, {}, environment})
+    {
+    }
     /// Asks the program to end, and makes it end when it does not within two seconds.
     ~Process();
     Process(const Process &) = delete;

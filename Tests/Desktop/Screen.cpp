@@ -78,9 +78,10 @@ Screen::Screen()
         throw std::runtime_error("the display does not answer");
     }
     XSetErrorHandler(ignoreError);
-    XSelectInput(m_state->display, DefaultRootWindow(m_state->display),
-                 PropertyChangeMask | SubstructureNotifyMask);
+    XSelectInput(m_state->display, root(), PropertyChangeMask | SubstructureNotifyMask);
 }
+
+Screen::Window Screen::root() const { return DefaultRootWindow(m_state->display); }
 
 Screen::~Screen() { XCloseDisplay(m_state->display); }
 
@@ -105,11 +106,7 @@ bool Screen::waitUntil(const std::function<bool()> &condition, std::chrono::mill
 
 bool Screen::waitForRootProperty(const char *name, std::chrono::milliseconds limit)
 {
-    return waitUntil(
-        [&] {
-            return !property(m_state->display, DefaultRootWindow(m_state->display), name).numbers.empty();
-        },
-        limit);
+    return waitUntil([&] { return !property(m_state->display, root(), name).numbers.empty(); }, limit);
 }
 
 QString Screen::title(Window window) const
@@ -122,8 +119,7 @@ QString Screen::title(Window window) const
 std::optional<Screen::Window> Screen::find(const QString &title) const
 {
     const QRegularExpression pattern(title);
-    for (const Window window :
-         property(m_state->display, DefaultRootWindow(m_state->display), "_NET_CLIENT_LIST").numbers) {
+    for (const Window window : property(m_state->display, root(), "_NET_CLIENT_LIST").numbers) {
         if (pattern.match(this->title(window)).hasMatch()) {
             return window;
         }
@@ -145,8 +141,7 @@ bool Screen::waitForNoWindow(const QString &title, std::chrono::milliseconds lim
 
 std::optional<Screen::Window> Screen::activeWindow() const
 {
-    const auto numbers =
-        property(m_state->display, DefaultRootWindow(m_state->display), "_NET_ACTIVE_WINDOW").numbers;
+    const auto numbers = property(m_state->display, root(), "_NET_ACTIVE_WINDOW").numbers;
     return numbers.empty() || numbers.front() == 0 ? std::nullopt : std::optional(numbers.front());
 }
 
@@ -158,41 +153,18 @@ bool Screen::activate(Window window, std::chrono::milliseconds limit)
     message.xclient.message_type = XInternAtom(m_state->display, "_NET_ACTIVE_WINDOW", False);
     message.xclient.format = 32;
     message.xclient.data.l[0] = 2; // a pager asks: the window manager does not call it stealing
-    XSendEvent(m_state->display, DefaultRootWindow(m_state->display), False,
-               SubstructureNotifyMask | SubstructureRedirectMask, &message);
+    XSendEvent(m_state->display, root(), False, SubstructureNotifyMask | SubstructureRedirectMask, &message);
     XFlush(m_state->display);
     return waitUntil([&] { return activeWindow() == window; }, limit);
 }
 
-void Screen::keyDown(int keyCode)
+void Screen::key(int keyCode, bool isDown)
 {
-    XTestFakeKeyEvent(m_state->display, static_cast<unsigned>(keyCode), True, CurrentTime);
+    XTestFakeKeyEvent(m_state->display, static_cast<unsigned>(keyCode), isDown ? True : False, CurrentTime);
     XSync(m_state->display, False);
 }
 
-void Screen::keyUp(int keyCode)
-{
-    XTestFakeKeyEvent(m_state->display, static_cast<unsigned>(keyCode), False, CurrentTime);
-    XSync(m_state->display, False);
-}
-
-void Screen::tap(int keyCode)
-{
-    keyDown(keyCode);
-    keyUp(keyCode);
-}
-
-bool Screen::isKeyDown(int keyCode) const
-{
-    char keys[32] = {};
-    XQueryKeymap(m_state->display, keys);
-    return (static_cast<unsigned char>(keys[keyCode / 8]) >> (keyCode % 8) & 1U) != 0;
-}
-
-std::optional<Screen::Seen> Screen::seen(const QString &title) const
-{
-    return seenBelow(DefaultRootWindow(m_state->display), title);
-}
+std::optional<Screen::Seen> Screen::seen(const QString &title) const { return seenBelow(root(), title); }
 
 std::optional<Screen::Seen> Screen::seenBelow(Window parent, const QString &title) const
 {
@@ -206,8 +178,7 @@ std::optional<Screen::Seen> Screen::seenBelow(Window parent, const QString &titl
             int x = 0;
             int y = 0;
             Window child = None;
-            XTranslateCoordinates(m_state->display, window, DefaultRootWindow(m_state->display), 0, 0, &x, &y,
-                                  &child);
+            XTranslateCoordinates(m_state->display, window, root(), 0, 0, &x, &y, &child);
             return Seen{window, QRect(x, y, attributes.width, attributes.height),
                         attributes.override_redirect == 0};
         }
@@ -220,7 +191,7 @@ std::optional<Screen::Seen> Screen::seenBelow(Window parent, const QString &titl
 
 bool Screen::isOnTop(Window window) const
 {
-    const std::vector<Window> stack = children(m_state->display, DefaultRootWindow(m_state->display));
+    const std::vector<Window> stack = children(m_state->display, root());
     for (auto above = stack.rbegin(); above != stack.rend() && *above != window; ++above) {
         XWindowAttributes attributes = {};
         if (XGetWindowAttributes(m_state->display, *above, &attributes) != 0

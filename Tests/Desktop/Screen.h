@@ -35,10 +35,13 @@ public:
     bool waitForNoWindow(const QString &title, std::chrono::milliseconds limit = Patience);
 
     /// Keys by X key code: a keysym's place depends on the layout, a key's does not. Right Alt is 108.
-    void keyDown(int keyCode);
-    void keyUp(int keyCode);
-    void tap(int keyCode);
-    bool isKeyDown(int keyCode) const;
+    void keyDown(int keyCode) { key(keyCode, true); }
+    void keyUp(int keyCode) { key(keyCode, false); }
+    void tap(int keyCode)
+    {
+        keyDown(keyCode);
+        keyUp(keyCode);
+    }
 
     /// A window that is shown, also one that the window manager does not manage or that stands in another.
     struct Seen {
@@ -63,6 +66,8 @@ public:
     bool waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds limit = Patience);
 
 private:
+    Window root() const;
+    void key(int keyCode, bool isDown);
     std::optional<Window> find(const QString &title) const;
     std::optional<Seen> seenBelow(Window parent, const QString &title) const;
 

@@ -4,10 +4,11 @@
 #include <QDir>
 #include <QTcpServer>
 
-#include <csignal>
 #include <stdexcept>
 
 namespace vesk::test {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -33,8 +34,7 @@ bool succeeds(const QString &program, const QStringList &arguments)
 /// norewinds: without it an idle virtual device swallows the first second.
 QStringList virtualSpeaker(const QString &name)
 {
-    return {QStringLiteral("module-null-sink"), QStringLiteral("sink_name=") + name,
-            QStringLiteral("rate=48000"), QStringLiteral("norewinds=1")};
+    return {u"module-null-sink"_s, u"sink_name="_s + name, u"rate=48000"_s, u"norewinds=1"_s};
 }
 
 } // namespace
@@ -45,20 +45,20 @@ SoundServer::SoundServer(Kind kind)
     for (const char *folder : {"run", "home"}) {
         QDir(m_folder.path()).mkdir(QString::fromLatin1(folder));
     }
-    QFile::setPermissions(m_folder.filePath(QStringLiteral("run")),
+    QFile::setPermissions(m_folder.filePath(u"run"_s),
                           QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    const QString home = m_folder.filePath(QStringLiteral("home"));
+    const QString home = m_folder.filePath(u"home"_s);
     for (const char *variable :
          {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME"}) {
         m_environment[QString::fromLatin1(variable)] = home;
     }
     for (const char *variable : {"XDG_RUNTIME_DIR", "PIPEWIRE_RUNTIME_DIR"}) {
-        m_environment[QString::fromLatin1(variable)] = m_folder.filePath(QStringLiteral("run"));
+        m_environment[QString::fromLatin1(variable)] = m_folder.filePath(u"run"_s);
     }
     for (const char *variable : {"DISPLAY", "PULSE_SERVER", "DBUS_SESSION_BUS_ADDRESS"}) {
         m_environment[QString::fromLatin1(variable)] = QString();
     }
-    m_environment[QStringLiteral("DISABLE_RTKIT")] = QStringLiteral("1");
+    m_environment[u"DISABLE_RTKIT"_s] = u"1"_s;
     start();
 }
 
@@ -69,9 +69,11 @@ SoundServer::~SoundServer()
     }
 }
 
+QString SoundServer::serverOption() const { return u"--server="_s + QString::fromStdString(address()); }
+
 std::string SoundServer::address() const
 {
-    return "unix:" + m_folder.filePath(QStringLiteral("run/pulse/native")).toStdString();
+    return "unix:" + m_folder.filePath(u"run/pulse/native"_s).toStdString();
 }
 
 std::string SoundServer::refusingAddress()
@@ -80,9 +82,8 @@ std::string SoundServer::refusingAddress()
     free.listen(QHostAddress::LocalHost);
     const QString port = QString::number(free.serverPort());
     free.close();
-    loadModule({QStringLiteral("module-native-protocol-tcp"), QStringLiteral("listen=127.0.0.1"),
-                QString(u"port=" + port),
-                QString(u"auth-cookie=" + m_folder.filePath(QStringLiteral("cookie-of-others")))});
+    loadModule({u"module-native-protocol-tcp"_s, u"listen=127.0.0.1"_s, QString(u"port=" + port),
+                QString(u"auth-cookie=" + m_folder.filePath(u"cookie-of-others"_s))});
     return "tcp:127.0.0.1:" + port.toStdString();
 }
 
@@ -97,30 +98,27 @@ void SoundServer::addMicrophone(const Microphone &microphone)
 
 void SoundServer::removeMicrophone(const QString &name)
 {
-    control({QStringLiteral("unload-module"), QString::number(m_modules.at(name))});
+    control({u"unload-module"_s, QString::number(m_modules.at(name))});
     m_modules.erase(name);
     std::erase_if(m_microphones, [&name](const Microphone &each) { return each.name == name; });
 }
 
 void SoundServer::setDefaultMicrophone(const QString &name)
 {
-    makeDefault(QStringLiteral("source"), name);
+    makeDefault(u"source"_s, name);
     m_default = name;
 }
 
 std::unique_ptr<Process> SoundServer::play(const QString &soundFile, const QString &device)
 {
     const QString sink = device == u"speaker" ? device : QString(device + u"_feed");
-    Process::Options options;
-    options.arguments = QStringList{QStringLiteral("--server=") + QString::fromStdString(address()),
-                                    QStringLiteral("--device=") + sink, soundFile};
-    return std::make_unique<Process>(QStringLiteral("paplay"), options);
+    return std::make_unique<Process>(u"paplay"_s,
+                                     QStringList{serverOption(), u"--device="_s + sink, soundFile});
 }
 
 QByteArray SoundServer::control(const QStringList &arguments) const
 {
-    return run(QStringLiteral("pactl"),
-               QStringList{QStringLiteral("--server=") + QString::fromStdString(address())} + arguments);
+    return run(u"pactl"_s, QStringList{serverOption()} + arguments);
 }
 
 void SoundServer::kill()
@@ -130,18 +128,16 @@ void SoundServer::kill()
         m_programs.pop_back();
     }
     m_modules.clear();
-    QFile::remove(m_folder.filePath(QStringLiteral("run/pulse/native")));
+    QFile::remove(m_folder.filePath(u"run/pulse/native"_s));
 }
 
 void SoundServer::start()
 {
     m_kind == Kind::pulseAudio ? startPulseAudio() : startPipeWire();
-    const QStringList question = {QStringLiteral("--server=") + QString::fromStdString(address()),
-                                  QStringLiteral("info")};
-    waitUntil([&] { return succeeds(QStringLiteral("pactl"), question); },
-              "the sound server does not answer");
-    loadModule(virtualSpeaker(QStringLiteral("speaker")));
-    makeDefault(QStringLiteral("sink"), QStringLiteral("speaker"));
+    const QStringList question = {serverOption(), u"info"_s};
+    waitUntil([&] { return succeeds(u"pactl"_s, question); }, "the sound server does not answer");
+    loadModule(virtualSpeaker(u"speaker"_s));
+    makeDefault(u"sink"_s, u"speaker"_s);
     for (const Microphone &microphone : m_microphones) {
         makeMicrophone(microphone);
     }
@@ -150,83 +146,61 @@ void SoundServer::start()
     }
 }
 
-void SoundServer::freeze()
+void SoundServer::signal(int number) const
 {
     for (const auto &program : m_programs) {
-        program->signal(SIGSTOP);
-    }
-}
-
-void SoundServer::thaw()
-{
-    for (const auto &program : m_programs) {
-        program->signal(SIGCONT);
+        program->signal(number);
     }
 }
 
 void SoundServer::startProgram(const QString &program, const QStringList &arguments)
 {
-    Process::Options options;
-    options.arguments = arguments;
-    options.environment = m_environment;
-    m_programs.push_back(std::make_unique<Process>(program, options));
+    m_programs.push_back(std::make_unique<Process>(program, arguments, m_environment));
 }
 
 void SoundServer::startPulseAudio()
 {
-    startProgram(QStringLiteral("pulseaudio"),
-                 {QStringLiteral("-n"), QStringLiteral("--daemonize=no"),
-                  QStringLiteral("--exit-idle-time=-1"), QStringLiteral("--use-pid-file=no"),
-                  QStringLiteral("--log-target=stderr"),
-                  QStringLiteral("--load=module-native-protocol-unix auth-anonymous=1")});
+    startProgram(u"pulseaudio"_s,
+                 {u"-n"_s, u"--daemonize=no"_s, u"--exit-idle-time=-1"_s, u"--use-pid-file=no"_s,
+                  u"--log-target=stderr"_s, u"--load=module-native-protocol-unix auth-anonymous=1"_s});
 }
 
 void SoundServer::startPipeWire()
 {
     // The part that decides about devices ends where it finds no session bus.
-    startProgram(
-        QStringLiteral("dbus-daemon"),
-        {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
-    m_environment[QStringLiteral("DBUS_SESSION_BUS_ADDRESS")] =
-        QString::fromUtf8(m_programs.back()->readLine());
-    startProgram(QStringLiteral("pipewire"), {});
-    const QString socket = m_folder.filePath(QStringLiteral("run/pipewire-0"));
-    waitUntil(
-        [&] {
-            return succeeds(
-                QStringLiteral("pw-cli"),
-                {QStringLiteral("--remote"), socket, QStringLiteral("info"), QStringLiteral("0")});
-        },
-        "pipewire does not answer");
-    startProgram(QStringLiteral("wireplumber"), {});
-    startProgram(QStringLiteral("pipewire-pulse"), {});
+    startProgram(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
+    m_environment[u"DBUS_SESSION_BUS_ADDRESS"_s] = QString::fromUtf8(m_programs.back()->readLine());
+    startProgram(u"pipewire"_s, {});
+    const QString socket = m_folder.filePath(u"run/pipewire-0"_s);
+    waitUntil([&] { return succeeds(u"pw-cli"_s, {u"--remote"_s, socket, u"info"_s, u"0"_s}); },
+              "pipewire does not answer");
+    startProgram(u"wireplumber"_s, {});
+    startProgram(u"pipewire-pulse"_s, {});
 }
 
 void SoundServer::makeMicrophone(const Microphone &microphone)
 {
     // What is played on a hidden speaker comes out of a source of its own, which is no monitor.
-    const QString feed = microphone.name + QStringLiteral("_feed");
+    const QString feed = microphone.name + u"_feed"_s;
     QStringList speaker = virtualSpeaker(feed);
-    speaker << QStringLiteral("channels=%1").arg(microphone.channels)
-            << (microphone.channels == 1 ? QStringLiteral("channel_map=mono")
-                                         : QStringLiteral("channel_map=stereo"));
+    speaker << u"channels=%1"_s.arg(microphone.channels)
+            << (microphone.channels == 1 ? u"channel_map=mono"_s : u"channel_map=stereo"_s);
     loadModule(speaker);
-    m_modules[microphone.name] = loadModule(
-        {QStringLiteral("module-remap-source"), QStringLiteral("source_name=") + microphone.name,
-         QString(u"master=" + feed + u".monitor"), QStringLiteral("channels=%1").arg(microphone.channels),
-         QString(u"source_properties=\"device.description='The " + microphone.name + u"' "
-                 + microphone.properties + u'"')});
+    m_modules[microphone.name] =
+        loadModule({u"module-remap-source"_s, u"source_name="_s + microphone.name,
+                    QString(u"master=" + feed + u".monitor"), u"channels=%1"_s.arg(microphone.channels),
+                    QString(u"source_properties=\"device.description='The " + microphone.name + u"' "
+                            + microphone.properties + u'"')});
     waitForMicrophone(microphone.name);
 }
 
 void SoundServer::makeDefault(const QString &kind, const QString &name)
 {
     // PipeWire answers before the part is there that keeps the defaults.
-    const QStringList request = {QStringLiteral("--server=") + QString::fromStdString(address()),
-                                 QString(u"set-default-" + kind), name};
+    const QStringList request = {serverOption(), QString(u"set-default-" + kind), name};
     waitUntil(
         [&] {
-            return succeeds(QStringLiteral("pactl"), request)
+            return succeeds(u"pactl"_s, request)
                 && control({QString(u"get-default-" + kind)}).trimmed() == name.toUtf8();
         },
         "the default device was not changed");
@@ -234,14 +208,14 @@ void SoundServer::makeDefault(const QString &kind, const QString &name)
 
 int SoundServer::loadModule(const QStringList &arguments)
 {
-    return control(QStringList{QStringLiteral("load-module")} + arguments).trimmed().toInt();
+    return control(QStringList{u"load-module"_s} + arguments).trimmed().toInt();
 }
 
 void SoundServer::waitForMicrophone(const QString &name)
 {
     waitUntil(
         [&] {
-            return control({QStringLiteral("list"), QStringLiteral("short"), QStringLiteral("sources")})
+            return control({u"list"_s, u"short"_s, u"sources"_s})
                 .contains(QString(u'\t' + name + u'\t').toUtf8());
         },
         "the microphone did not appear");

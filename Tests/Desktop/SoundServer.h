@@ -4,6 +4,7 @@
 
 #include <QTemporaryDir>
 
+#include <csignal>
 #include <map>
 #include <memory>
 #include <vector>
@@ -55,10 +56,12 @@ public:
     void start();
 
     /// The server hangs, and recovers.
-    void freeze();
-    void thaw();
+    void freeze() { signal(SIGSTOP); }
+    void thaw() { signal(SIGCONT); }
 
 private:
+    void signal(int number) const;
+    QString serverOption() const;
     void startProgram(const QString &program, const QStringList &arguments);
     void startPulseAudio();
     void startPipeWire();

@@ -4,7 +4,6 @@
 #include "Support/Await.h"
 #include "Support/Recording.h"
 #include "Support/SoundContract.h"
-#include "Support/WavFile.h"
 
 #include <random>
 

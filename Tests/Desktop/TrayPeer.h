@@ -4,12 +4,13 @@
 
 namespace vesk::test {
 
+using namespace Qt::StringLiterals;
+
 /// A panel that another library drives; see Peers/tray_host.py.
 class TrayPeer {
 public:
     TrayPeer()
-        : m_process(QStringLiteral("/usr/bin/python3"),
-                    {{QStringLiteral(VESK_TEST_PEERS "/tray_host.py")}, QProcess::SeparateChannels, {}, {}})
+        : m_process(u"/usr/bin/python3"_s, QStringList{QStringLiteral(VESK_TEST_PEERS "/tray_host.py")})
     {
         m_process.readLine();
     }

@@ -10,6 +10,6 @@ namespace vesk::test {
 /// without the program's name, and the result is the exit status. An exception is told on standard error and
 /// is status 1; what the program leaves behind is ended.
 int runOnPrivateDesktop(int argc, char **argv, const std::function<int(const QStringList &)> &body,
-                        const PrivateDesktop::Options &options = {});
+                        const QString &screen = PrivateDesktop::StandardScreen);
 
 } // namespace vesk::test

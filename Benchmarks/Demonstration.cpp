@@ -7,9 +7,9 @@
 // Prints the words and the time from the release of the key until they could be read, and leaves a picture of
 // the desktop (PNG). Exit status 1 when no words came.
 
-#include "Desktop/DesktopProgram.h"
 #include "Desktop/Peer.h"
 #include "Desktop/ShippedApplication.h"
+#include "DesktopProgram.h"
 #include "Foundation/Config.h"
 
 #include <QFile>
@@ -35,12 +35,9 @@ int show(const QString &program, const QString &clip, const QString &picture)
     test::Screen screen;
     const auto editor = test::startMousepad(screen);
     test::ShippedApplication application(program);
-    test::Process reader(
-        u"/usr/bin/python3"_s,
-        {{QStringLiteral(VESK_TEST_PEERS "/insertion_times.py"), QString::number(editor->process().id())},
-         QProcess::SeparateChannels,
-         {},
-         {}});
+    test::Process reader(u"/usr/bin/python3"_s,
+                         QStringList{QStringLiteral(VESK_TEST_PEERS "/insertion_times.py"),
+                                     QString::number(editor->process().id())});
     reader.readLine();
     const auto released = application.dictate(clip);
     const QByteArray line = reader.readLine(std::chrono::minutes(1));
@@ -65,9 +62,8 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "usage: vesk_demonstration PROGRAM SOUND-FILE PICTURE\n");
         return 2;
     }
-    test::PrivateDesktop::Options options;
-    options.screen = u"800x640x24"_s;
     return test::runOnPrivateDesktop(
         argc, argv,
-        [](const QStringList &arguments) { return show(arguments[0], arguments[1], arguments[2]); }, options);
+        [](const QStringList &arguments) { return show(arguments[0], arguments[1], arguments[2]); },
+        u"800x640x24"_s);
 }

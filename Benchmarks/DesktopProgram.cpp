@@ -1,4 +1,4 @@
-#include "Desktop/DesktopProgram.h"
+#include "DesktopProgram.h"
 
 #include "Desktop/Supervisor.h"
 
@@ -9,13 +9,13 @@
 namespace vesk::test {
 
 int runOnPrivateDesktop(int argc, char **argv, const std::function<int(const QStringList &)> &body,
-                        const PrivateDesktop::Options &options)
+                        const QString &screen)
 {
     return supervised([=] {
         int count = argc;
         const QCoreApplication application(count, argv);
         try {
-            const PrivateDesktop desktop(options);
+            const PrivateDesktop desktop(screen);
             return body(QCoreApplication::arguments().mid(1));
         } catch (const std::exception &error) {
             std::fprintf(stderr, "%s\n", error.what());
