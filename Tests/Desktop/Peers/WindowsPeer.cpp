@@ -2,7 +2,7 @@
 // and for pictures: vesk_windows_peer [--pictures FOLDER] [--dark] [--mirrored]
 // Reads commands from standard input, one a line, and answers each with "ok": "page settings", "account",
 // "setup", "missing", "there", "unseen" for a keyboard without the fn key, "down rightOption", "up
-// rightOption", "unplug", "clipboard", "quit".
+// rightOption", "clipboard", "quit".
 
 #include "Platform/Linux/Host/LinuxLoginItem.h"
 #include "Platform/Qt/SystemClock.h"
@@ -86,8 +86,6 @@ public:
             m_rig.desktop.keys.unseenKey = virtualKeyCode(HotkeyKey::fn);
         } else if (word == u"down" || word == u"up") {
             hold(hotkeyKey(command.section(u' ', 1)).value(), word == u"down");
-        } else if (word == u"unplug") {
-            m_rig.desktop.sound.unplug(u"microphone in the lid"_s);
         } else if (word == u"clipboard") {
             std::printf("%s\n", m_rig.desktop.board.text().toUtf8().toPercentEncoding().constData());
         } else {
