@@ -50,6 +50,17 @@ protected:
         return controls;
     }
 
+    /// A page's list with the focus on its first row.
+    QListView *open(Page page, const QString &name)
+    {
+        main->present(page);
+        QApplication::setActiveWindow(main.get());
+        auto *list = named<QListView>(*main, name);
+        list->setFocus();
+        list->setCurrentIndex(list->model()->index(0, 0));
+        return list;
+    }
+
     static bool isInSight(const QWidget &widget)
     {
         const auto *scrolled = qobject_cast<const QAbstractScrollArea *>(&widget);
@@ -123,16 +134,8 @@ TEST_F(KeyboardTest, aRowThatAnAssistiveProgramSelectsIsTheOneThatIsShown)
     EXPECT_EQ(named<QPlainTextEdit>(*main, u"Text"_s)->toPlainText(), u"one");
 }
 
-TEST_F(KeyboardTest, aListObeysTheKeysThatListsObey)
+TEST_F(KeyboardTest, dictationsAreCopiedFoundAndDeletedByKeys)
 {
-    const auto open = [this](Page page, const QString &name) {
-        main->present(page);
-        QApplication::setActiveWindow(main.get());
-        auto *list = named<QListView>(*main, name);
-        list->setFocus();
-        list->setCurrentIndex(list->model()->index(0, 0));
-        return list;
-    };
     QTest::keyClick(open(Page::home, u"Last dictations"_s), Qt::Key_Return);
     EXPECT_EQ(rig.desktop.board.text(), u"two");
 
@@ -145,7 +148,10 @@ TEST_F(KeyboardTest, aListObeysTheKeysThatListsObey)
     EXPECT_EQ(rig.history.entries().first().text, u"one");
     QTest::keyClick(history, Qt::Key_Return);
     EXPECT_EQ(rig.desktop.board.text(), u"one") << "the next one is chosen";
+}
 
+TEST_F(KeyboardTest, wordsAreRenamedRemovedBroughtBackAndPastedByKeys)
+{
     QListView *words = open(Page::dictionary, u"Dictionary"_s);
     QTest::keySequence(words, QKeySequence::Find);
     EXPECT_EQ(main->focusWidget(), named<QLineEdit>(*main, u"Search the dictionary"_s));
