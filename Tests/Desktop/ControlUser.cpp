@@ -37,7 +37,9 @@ ControlUser::ControlUser(qint64 processId)
 
 bool ControlUser::press(const QString &role, const QString &name)
 {
-    return isDone({{u"do"_s, u"press"_s}, {u"role"_s, role}, {u"name"_s, name}});
+    // A button shows for a tenth of a second that it is down, and acts when it comes up again.
+    return isDone({{u"do"_s, u"press"_s}, {u"role"_s, role}, {u"name"_s, name}})
+        && eventually([&] { return !hasState(role, name, u"pressed"_s); }, Patience);
 }
 
 bool ControlUser::type(const QString &name, const QString &text)
@@ -57,12 +59,34 @@ bool ControlUser::reads(const QString &role, const QString &name, const QString 
         Patience);
 }
 
-bool ControlUser::isChecked(const QString &name)
+bool ControlUser::select(const QString &name, const QString &words)
 {
-    return ask({{u"do"_s, u"read"_s}, {u"role"_s, u"check box"_s}, {u"name"_s, name}})
+    return isDone({{u"do"_s, u"select"_s}, {u"role"_s, u"text"_s}, {u"name"_s, name}, {u"text"_s, words}});
+}
+
+bool ControlUser::finds(const QString &role, const QString &name)
+{
+    return eventually([&] { return isThere(role, name); }, Patience);
+}
+
+bool ControlUser::isThere(const QString &role, const QString &name)
+{
+    return ask({{u"do"_s, u"read"_s}, {u"role"_s, role}, {u"name"_s, name}}).value(u"ok"_s).toBool();
+}
+
+bool ControlUser::isEnabled(const QString &role, const QString &name)
+{
+    return hasState(role, name, u"enabled"_s);
+}
+
+bool ControlUser::isChecked(const QString &name) { return hasState(u"check box"_s, name, u"checked"_s); }
+
+bool ControlUser::hasState(const QString &role, const QString &name, const QString &state)
+{
+    return ask({{u"do"_s, u"read"_s}, {u"role"_s, role}, {u"name"_s, name}})
         .value(u"states"_s)
         .toArray()
-        .contains(u"checked"_s);
+        .contains(state);
 }
 
 bool ControlUser::sees(const QString &text)

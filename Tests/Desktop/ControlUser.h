@@ -12,10 +12,17 @@ class ControlUser {
 public:
     explicit ControlUser(qint64 processId);
 
+    /// Until it has acted.
     bool press(const QString &role, const QString &name);
     bool type(const QString &name, const QString &text);
+    /// Selects these words where they stand in the text.
+    bool select(const QString &name, const QString &words);
+    bool finds(const QString &role, const QString &name);
     /// Until the control's text or name contains this.
     bool reads(const QString &role, const QString &name, const QString &text);
+    /// As it is now, without waiting.
+    bool isThere(const QString &role, const QString &name);
+    bool isEnabled(const QString &role, const QString &name);
     bool isChecked(const QString &name);
     /// Until this can be read somewhere in the program's windows, or no longer.
     bool sees(const QString &text);
@@ -26,6 +33,7 @@ public:
 
 private:
     QJsonObject ask(QJsonObject request);
+    bool hasState(const QString &role, const QString &name, const QString &state);
     bool isDone(const QJsonObject &request);
     bool isSeen(const QString &text);
 

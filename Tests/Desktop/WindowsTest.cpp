@@ -1,15 +1,9 @@
-#include "Desktop/ControlUser.h"
-#include "Desktop/Peer.h"
-#include "Dictation/HistoryStore.h"
+#include "Desktop/WindowsFixture.h"
 #include "Foundation/Config.h"
 #include "Server/AccountFile.h"
 #include "Support/Await.h"
-#include "Support/TemporaryHome.h"
-#include "Support/VeskServer.h"
 
 #include <QFile>
-
-#include <gtest/gtest.h>
 
 namespace vesk::test {
 
@@ -17,63 +11,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int Return = 36;
-constexpr int Home = 110;
-constexpr int Down = 116;
-
-/// Vesk's windows in a process of their own, used by somebody who sees only the accessibility bus.
-class WindowsTest : public testing::Test {
-protected:
-    WindowsTest()
-    {
-        emptyTestHome();
-        Config config;
-        config.serverURL = server.baseURL().toString();
-        config.write();
-    }
-
-    /// Starts the program on a page.
-    void open(const QString &page)
-    {
-        peer = std::make_unique<Process>(
-            QStringLiteral(VESK_TEST_WINDOWS_PEER),
-            Process::Options{
-                {}, QProcess::SeparateChannels, {}, {{u"QT_LINUX_ACCESSIBILITY_ALWAYS_ON"_s, u"1"_s}}});
-        peer->readLine(); // "ready"
-        user = std::make_unique<ControlUser>(peer->id());
-        tell(page);
-    }
-
-    void tell(const QString &command)
-    {
-        peer->write(command.toUtf8() + '\n');
-        EXPECT_EQ(peer->readLine(), "ok");
-    }
-
-    /// Opens the list of a choice and takes the entry with this number by the keyboard.
-    void choose(const QString &name, const QString &entry, int number)
-    {
-        ASSERT_TRUE(user->press(u"combo box"_s, name)) << name.toStdString();
-        ASSERT_TRUE(user->sees(entry));
-        screen.tap(Home);
-        for (int i = 0; i < number; ++i) {
-            screen.tap(Down);
-        }
-        screen.tap(Return);
-    }
-
-    VeskServer server;
-    Screen screen;
-    std::unique_ptr<Process> peer;
-    std::unique_ptr<ControlUser> user;
-};
+class WindowsTest : public WindowsFixture {};
 
 } // namespace
 
 TEST_F(WindowsTest, everySettingStandsInTheFileAsSoonAsItIsChosen)
 {
     open(u"page settings"_s);
-    screen.activate(*screen.waitForWindow(u"Vesk"_s));
+    toFront();
     const std::pair<QString, bool Config::*> flags[] = {
         {u"Clean up what was said"_s, &Config::cleanup},
         {u"Fit the text to the field's context"_s, &Config::useAppContext},
@@ -163,50 +108,6 @@ TEST_F(WindowsTest, signsInWithAWayBackFromEveryState)
     EXPECT_TRUE(eventually([&] { return !server.requests("auth/sign-out").empty(); }));
 }
 
-TEST_F(WindowsTest, aWordIsAddedRemovedAndBroughtBack)
-{
-    open(u"page dictionary"_s);
-    const auto vocabulary = [] { return Config::load().vocabulary; };
-    EXPECT_TRUE(user->type(u"New word"_s, u"  Mrs   Okonkwo "_s));
-    EXPECT_TRUE(user->press(u"push button"_s, u"Add"_s));
-    EXPECT_TRUE(eventually([&] { return vocabulary() == QStringList{u"Mrs Okonkwo"_s}; }));
-    EXPECT_TRUE(user->press(u"list item"_s, u"Mrs Okonkwo"_s));
-    EXPECT_TRUE(user->press(u"push button"_s, u"Remove"_s));
-    EXPECT_TRUE(eventually([&] { return vocabulary().isEmpty(); }));
-    EXPECT_TRUE(user->press(u"push button"_s, u"Undo"_s));
-    EXPECT_TRUE(eventually([&] { return vocabulary().size() == 1; }));
-}
-
-TEST_F(WindowsTest, theHistoryIsSearchedCopiedAndClearedAfterAQuestion)
-{
-    HistoryStore written;
-    for (const QString &text : {u"The meeting is moved."_s, u"Dear Mrs Okonkwo"_s}) {
-        Dictation entry;
-        entry.date = QDateTime::currentDateTimeUtc();
-        entry.kind = u"dictation"_s;
-        entry.raw = u"um "_s + text.toLower();
-        entry.text = text;
-        written.append(entry);
-    }
-    open(u"page history"_s);
-    EXPECT_TRUE(user->type(u"Search the history"_s, u"meeting"_s));
-    EXPECT_TRUE(user->reads(u"text"_s, u"Text"_s, u"The meeting is moved."_s));
-    EXPECT_TRUE(user->press(u"push button"_s, u"Copy as Heard"_s));
-    EXPECT_TRUE(user->sees(u"Copied as it was heard."_s));
-    peer->write("clipboard\n");
-    EXPECT_EQ(QByteArray::fromPercentEncoding(peer->readLine()), "um the meeting is moved.");
-    EXPECT_EQ(peer->readLine(), "ok");
-    EXPECT_TRUE(user->press(u"push button"_s, u"Delete"_s));
-    EXPECT_TRUE(eventually([] { return HistoryStore().entries().size() == 1; }));
-
-    EXPECT_TRUE(user->press(u"push button"_s, u"Clear All…"_s));
-    EXPECT_TRUE(user->press(u"push button"_s, u"Cancel"_s));
-    EXPECT_EQ(HistoryStore().entries().size(), 1);
-    EXPECT_TRUE(user->press(u"push button"_s, u"Clear All…"_s));
-    EXPECT_TRUE(user->press(u"push button"_s, u"Clear All"_s));
-    EXPECT_TRUE(eventually([] { return !QFile::exists(HistoryStore::file()); }));
-}
-
 TEST_F(WindowsTest, setUpTurnsGreenByItselfAndLeadsToTheAccount)
 {
     open(u"missing"_s);
@@ -220,6 +121,21 @@ TEST_F(WindowsTest, setUpTurnsGreenByItselfAndLeadsToTheAccount)
     EXPECT_TRUE(user->press(u"push button"_s, u"Sign In…"_s));
     EXPECT_TRUE(screen.waitForWindow(u"^Vesk$"_s));
     EXPECT_TRUE(user->sees(u"There is no password."_s));
+}
+
+TEST_F(WindowsTest, setUpIsReachedFromHomeLeadsToAnotherKeyAndCloses)
+{
+    Config config = Config::load();
+    config.hotkey = u"fn"_s;
+    config.write();
+    open(u"unseen"_s);
+    tell(u"page home"_s);
+    EXPECT_TRUE(user->press(u"push button"_s, u"Set Up…"_s));
+    EXPECT_TRUE(screen.waitForWindow(u"^Set Up Vesk$"_s));
+    EXPECT_TRUE(user->press(u"push button"_s, u"Choose Another Key…"_s));
+    EXPECT_TRUE(user->finds(u"combo box"_s, u"Dictation key"_s));
+    EXPECT_TRUE(user->press(u"push button"_s, u"Done"_s));
+    EXPECT_TRUE(screen.waitForNoWindow(u"^Set Up Vesk$"_s));
 }
 
 TEST_F(WindowsTest, everyControlOfEveryPageHasAName)

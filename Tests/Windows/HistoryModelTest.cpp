@@ -69,6 +69,16 @@ TEST_F(HistoryModelTest, rowsFollowTheStoreWithoutStartingAfresh)
     EXPECT_EQ(resets, 0);
 }
 
+TEST_F(HistoryModelTest, ofTwoRowsTheOneThatStaysIsKept)
+{
+    store.append(dictation(u"older"_s));
+    store.append(dictation(u"newer"_s));
+    const QPersistentModelIndex older = model.index(1);
+    store.remove(store.entries().first().id);
+    EXPECT_EQ(older.row(), 0);
+    EXPECT_EQ(shown(), u"older");
+}
+
 TEST_F(HistoryModelTest, atTheCapTheOldestRowGoesAsTheNewestComes)
 {
     for (int i = 0; i < HistoryStore::Limit + 2; ++i) {

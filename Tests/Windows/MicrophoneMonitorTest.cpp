@@ -8,6 +8,7 @@
 namespace vesk {
 
 using namespace Qt::StringLiterals;
+using Attention = MicrophoneMonitor::Attention;
 
 namespace {
 
@@ -38,19 +39,33 @@ protected:
 TEST_F(MicrophoneMonitorTest, listensOnlyWhileItIsActive)
 {
     EXPECT_EQ(sound.engineCount(), 0) << "not even a thread before it is seen";
-    monitor.setActive(true);
+    monitor.setAttention(Attention::level);
     EXPECT_TRUE(eventually([&] { return loudest > 0.3F; }));
     EXPECT_EQ(monitor.deviceName(), u"The lid");
-    monitor.setActive(false);
+    monitor.setAttention(Attention::nothing);
     EXPECT_TRUE(eventually([&] { return isAtRest(); }));
-    monitor.setActive(true); // once more, and away again before it has begun
-    monitor.setActive(false);
+    monitor.setAttention(Attention::level); // once more, and away again before it has begun
+    monitor.setAttention(Attention::nothing);
     EXPECT_TRUE(eventually([&] { return isAtRest(); }));
+}
+
+TEST_F(MicrophoneMonitorTest, namesTheDeviceWithoutListeningToIt)
+{
+    monitor.setAttention(Attention::device);
+    EXPECT_EQ(monitor.deviceName(), u"The lid");
+    EXPECT_EQ(sound.engineCount(), 0);
+    sound.unplug(u"lid"_s);
+    EXPECT_TRUE(eventually([&] { return monitor.deviceName() == u"The headset"; }));
+    monitor.setAttention(Attention::level);
+    EXPECT_TRUE(eventually([&] { return sound.recordings() == 1; }));
+    monitor.setAttention(Attention::device);
+    EXPECT_TRUE(eventually([&] { return isAtRest(); }));
+    EXPECT_EQ(monitor.deviceName(), u"The headset");
 }
 
 TEST_F(MicrophoneMonitorTest, followsTheChoiceAndTheHardware)
 {
-    monitor.setActive(true);
+    monitor.setAttention(Attention::level);
     monitor.setMode(u"system"_s);
     EXPECT_EQ(monitor.deviceName(), u"The headset");
     sound.unplug(u"headset"_s);
@@ -66,7 +81,7 @@ TEST_F(MicrophoneMonitorTest, followsTheChoiceAndTheHardware)
 TEST_F(MicrophoneMonitorTest, saysWhyItHearsNothingAndGoesOnWhenItMay)
 {
     sound.setDenied(true);
-    monitor.setActive(true);
+    monitor.setAttention(Attention::level);
     EXPECT_TRUE(eventually([&] { return !monitor.problem().isEmpty(); }));
     sound.setDenied(false);
     EXPECT_TRUE(eventually([&] { return monitor.problem().isEmpty() && loudest > 0.3F; }));

@@ -18,9 +18,11 @@ const Availability Gone = Availability::unavailable(u"It is gone."_s);
 
 class SetupModelTest : public testing::Test {
 protected:
-    Requirement find(Kind kind) const
+    Requirement find(Kind kind) const { return find(kind, model); }
+
+    static Requirement find(Kind kind, const SetupModel &of)
     {
-        for (const Requirement &requirement : model.requirements()) {
+        for (const Requirement &requirement : of.requirements()) {
             if (requirement.kind == kind) {
                 return requirement;
             }
@@ -78,6 +80,27 @@ TEST_F(SetupModelTest, turnsGreenByItselfWhileSomebodyLooks)
     EXPECT_EQ(find(Kind::microphone).state, State::missing);
     rig.desktop.recording = Availability::available();
     EXPECT_TRUE(eventually([&] { return find(Kind::microphone).state == State::met; }));
+}
+
+TEST_F(SetupModelTest, theDiskIsLeftAloneWhileTheModelIsThere)
+{
+    WindowServices counted = rig.services();
+    int looks = 0;
+    int readings = 0;
+    counted.tray = [&] { return ++looks, rig.tray; };
+    counted.speechModel = [&](const QString &) { return ++readings, rig.model; };
+    SetupModel watched(counted);
+    watched.setWatching(true);
+    readings = 0;
+    const int before = looks;
+    EXPECT_TRUE(eventually([&] { return looks >= before + 4; }));
+    EXPECT_LE(readings, 1);
+
+    rig.model = Gone;
+    rig.settings.change([](Config &config) { config.locale = u"en-GB"_s; });
+    EXPECT_FALSE(watched.isReady()) << "another language asks at once";
+    rig.model = Availability::available(); // it was installed
+    EXPECT_TRUE(eventually([&] { return find(Kind::speech, watched).state == State::met; }));
 }
 
 TEST_F(SetupModelTest, aKeyThatTypesCharactersIsAnsweredWithAnother)

@@ -13,10 +13,9 @@ namespace vesk {
 AIAppsView::AIAppsView(const MCPSetup &setup, Pasteboard &pasteboard, QWidget *parent)
     : QWidget(parent)
     , m_setup(setup)
-    , m_status(new QLabel)
+    , m_status(new Paragraph)
     , m_add(new QPushButton)
 {
-    m_status->setWordWrap(true);
     auto *copyCommand = new QPushButton(tr("Copy command"));
     copyCommand->setAccessibleDescription(tr("The command that adds Vesk to Claude Code"));
     auto *copyJson = new QPushButton(tr("Copy JSON"));

@@ -1,10 +1,10 @@
 #include "Windows/AccountView.h"
 
 #include "Server/AccountStore.h"
+#include "Windows/Controls.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -51,12 +51,11 @@ Face faceOf(const AccountStore &account, const QString &asked)
 AccountView::AccountView(AccountStore &account, QWidget *parent)
     : QWidget(parent)
     , m_account(account)
-    , m_status(new QLabel)
+    , m_status(new Paragraph)
     , m_email(new QLineEdit)
     , m_forward(new QPushButton)
     , m_back(new QPushButton)
 {
-    m_status->setWordWrap(true);
     m_status->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_email->setAccessibleName(tr("Email address"));
     m_email->setPlaceholderText(tr("you@example.com"));

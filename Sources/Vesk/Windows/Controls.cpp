@@ -11,17 +11,37 @@
 
 namespace vesk {
 
-HintLabel::HintLabel(const QString &text, QWidget *parent)
+Paragraph::Paragraph(const QString &text, QWidget *parent)
     : QLabel(text, parent)
 {
     setWordWrap(true);
+}
+
+QSize Paragraph::minimumSizeHint() const
+{
+    const QSize least = QLabel::minimumSizeHint();
+    return m_width == 0 ? least : QSize(least.width(), heightForWidth(m_width));
+}
+
+void Paragraph::resizeEvent(QResizeEvent *event)
+{
+    QLabel::resizeEvent(event);
+    if (m_width != width()) {
+        m_width = width();
+        updateGeometry();
+    }
+}
+
+HintLabel::HintLabel(const QString &text, QWidget *parent)
+    : Paragraph(text, parent)
+{
     setTextInteractionFlags(Qt::NoTextInteraction);
     updateColour();
 }
 
 void HintLabel::changeEvent(QEvent *event)
 {
-    QLabel::changeEvent(event);
+    Paragraph::changeEvent(event);
     if (event->type() == QEvent::ParentChange || event->type() == QEvent::ApplicationPaletteChange) {
         updateColour();
     }
@@ -148,9 +168,9 @@ FlagBox::FlagBox(const QString &text, SettingsStore &settings, bool Config::*fie
     show();
 }
 
-QLabel *headline(const QString &text, double scale)
+Paragraph *headline(const QString &text, double scale)
 {
-    auto *label = new QLabel(text);
+    auto *label = new Paragraph(text);
     QFont font = label->font();
     font.setPointSizeF(font.pointSizeF() * scale);
     font.setBold(true);

@@ -14,8 +14,25 @@ namespace vesk {
 
 class SettingsStore;
 
+/// A text that wraps and insists on the room for all of its lines: Qt's own label is content with one, and a
+/// small window would cut the others off.
+class Paragraph : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit Paragraph(const QString &text = {}, QWidget *parent = nullptr);
+
+    QSize minimumSizeHint() const override;
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    int m_width = 0; ///< as last laid out; before that, nobody knows how many lines there are
+};
+
 /// A paragraph that explains, quieter than what it explains but readable in every palette.
-class HintLabel final : public QLabel {
+class HintLabel final : public Paragraph {
     Q_OBJECT
 
 public:
@@ -85,6 +102,6 @@ public:
 };
 
 /// Larger and bold by so much of the ordinary text.
-QLabel *headline(const QString &text, double scale);
+Paragraph *headline(const QString &text, double scale);
 
 } // namespace vesk

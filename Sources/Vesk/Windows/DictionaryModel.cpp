@@ -75,7 +75,7 @@ bool DictionaryModel::setData(const QModelIndex &index, const QVariant &value, i
     return true;
 }
 
-void DictionaryModel::addLines(const QString &text)
+bool DictionaryModel::addLines(const QString &text)
 {
     QStringList words = m_words;
     QSet<QString> known(words.cbegin(), words.cend());
@@ -105,6 +105,7 @@ void DictionaryModel::addLines(const QString &text)
     } else if (added == 0) {
         Q_EMIT said(tr("There is no word in that text."));
     }
+    return m_words == words;
 }
 
 void DictionaryModel::remove(const QModelIndexList &indexes)

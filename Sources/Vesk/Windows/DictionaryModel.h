@@ -24,8 +24,8 @@ public:
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
 
     /// Adds the lines of a text, leaving out blank ones and words that are there. Says how many came. One
-    /// step of undo.
-    void addLines(const QString &text);
+    /// step of undo. False when they could not be written.
+    bool addLines(const QString &text);
     void remove(const QModelIndexList &indexes);
 
     /// One word a line, with an end to each.

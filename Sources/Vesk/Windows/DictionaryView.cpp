@@ -16,6 +16,7 @@
 #include <QShortcut>
 #include <QSortFilterProxyModel>
 #include <QStringDecoder>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 namespace vesk {
@@ -24,6 +25,20 @@ namespace {
 
 /// No list of words that anybody typed is longer; a film chosen by mistake is not read into memory.
 constexpr int LargestImport = 4'000'000;
+
+/// A field within the list has no label that could say what it is.
+class WordDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const override
+    {
+        QWidget *editor = QStyledItemDelegate::createEditor(parent, option, index);
+        editor->setAccessibleName(DictionaryView::tr("Word"));
+        return editor;
+    }
+};
 
 } // namespace
 
@@ -62,6 +77,7 @@ void DictionaryView::build()
     m_search->setAccessibleName(tr("Search the dictionary"));
     m_search->setClearButtonEnabled(true);
     m_list->setModel(m_sorted);
+    m_list->setItemDelegate(new WordDelegate(m_list));
     m_list->setUniformItemSizes(true);
     m_list->setSpacing(2);
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -157,8 +173,9 @@ void DictionaryView::add()
 {
     const QString word = m_entry->text();
     m_search->clear();
-    m_entry->clear();
-    m_words.addLines(word);
+    if (m_words.addLines(word)) {
+        m_entry->clear();
+    }
     m_entry->setFocus();
     for (int row = 0; row < m_sorted->rowCount(); ++row) {
         const QModelIndex index = m_sorted->index(row, 0);
@@ -208,7 +225,8 @@ void DictionaryView::importFile(const QString &path)
         say(tr("%1 is too large to be a list of words.").arg(name));
         return;
     }
-    QStringDecoder decoder(QStringDecoder::Utf8);
+    // Otherwise a character that the end of the file cuts off is no error, but waits for the rest.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString text = decoder(file.readAll());
     if (decoder.hasError() || text.contains(QChar::Null)) {
         say(tr("%1 is not a text in UTF-8, so nothing was added.").arg(name));

@@ -25,6 +25,15 @@ void EmptyListView::paintEvent(QPaintEvent *event)
                      Qt::AlignCenter | Qt::TextWordWrap, m_emptyText);
 }
 
+void EmptyListView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
+{
+    QListView::selectionChanged(selected, deselected);
+    const QModelIndexList chosen = selectedIndexes();
+    if (chosen.size() == 1 && chosen.first() != currentIndex()) {
+        selectionModel()->setCurrentIndex(chosen.first(), QItemSelectionModel::NoUpdate);
+    }
+}
+
 void EmptyListView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
 {
     QListView::currentChanged(current, previous);

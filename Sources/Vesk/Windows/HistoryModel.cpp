@@ -90,7 +90,8 @@ QString HistoryModel::caption(const Dictation &entry, const QDate &today)
 void HistoryModel::follow()
 {
     const QList<Dictation> now = m_store.entries();
-    if (!followAddition(now) && !followRemoval(now)) {
+    // In this order: of two entries, the newer one gone looks like the older one added at the cap.
+    if (!followRemoval(now) && !followAddition(now)) {
         beginResetModel();
         m_entries = now;
         endResetModel();

@@ -31,9 +31,9 @@ HomeView::HomeView(const WindowServices &services, HistoryModel &history, SetupM
     , m_recent(new HistoryFilter(history, this))
     , m_invitation(headline({}, 1.6))
     , m_keys(new HintLabel)
-    , m_missingText(new QLabel)
+    , m_missingText(new Paragraph)
     , m_missing(missingBox())
-    , m_today(new QLabel)
+    , m_today(new Paragraph)
     , m_list(new EmptyListView)
     , m_copy(new QPushButton(tr("&Copy")))
     , m_message(new HintLabel)
@@ -62,7 +62,6 @@ HomeView::HomeView(const WindowServices &services, HistoryModel &history, SetupM
 
 void HomeView::build()
 {
-    m_invitation->setWordWrap(true);
     m_list->setModel(m_recent);
     m_list->setItemDelegate(new DictationDelegate(*m_recent, m_list));
     m_list->setUniformItemSizes(true);
@@ -96,7 +95,6 @@ QWidget *HomeView::missingBox()
     box->setFrameShape(QFrame::StyledPanel);
     auto *mark = new StatusMark;
     mark->setStatus(StatusMark::Status::missing);
-    m_missingText->setWordWrap(true);
     auto *setUp = new QPushButton(tr("Set &Up…"));
     connect(setUp, &QPushButton::clicked, this, &HomeView::setupWanted);
     auto *row = new QHBoxLayout(box);

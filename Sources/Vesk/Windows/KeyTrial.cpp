@@ -1,9 +1,9 @@
 #include "Windows/KeyTrial.h"
 
+#include "Windows/Controls.h"
 #include "Windows/HotkeyNames.h"
 #include "Windows/SettingsStore.h"
 
-#include <QLabel>
 #include <QLocale>
 #include <QVBoxLayout>
 
@@ -15,10 +15,9 @@ KeyTrial::KeyTrial(SettingsStore &settings, KeyEvents &events, const Clock &cloc
     , m_events(events)
     , m_clock(clock)
     , m_hotkey(events, [&settings] { return settings.config().watchedKeys(); })
-    , m_status(new QLabel)
+    , m_status(new Paragraph)
     , m_field(new QPlainTextEdit)
 {
-    m_status->setWordWrap(true);
     m_field->setAccessibleName(tr("Try it here"));
     m_field->setPlaceholderText(tr("Click here, hold the key and speak: the words appear here."));
     m_field->setTabChangesFocus(true);

@@ -55,6 +55,13 @@ void MainWindow::build()
                 m_views.value(static_cast<Page>(m_sidebar->item(row)->data(Qt::UserRole).toInt())));
         }
     });
+    // Assistive programs select a row without making it the current one.
+    connect(m_sidebar, &QListWidget::itemSelectionChanged, this, [this] {
+        const QList<QListWidgetItem *> selected = m_sidebar->selectedItems();
+        if (!selected.isEmpty() && selected.last() != m_sidebar->currentItem()) {
+            m_sidebar->setCurrentItem(selected.last());
+        }
+    });
     auto *content = new QWidget;
     auto *right = new QVBoxLayout;
     right->setSpacing(0);

@@ -1,12 +1,12 @@
 #include "Windows/MicrophoneLevel.h"
 
 #include "Platform/DesktopServices.h"
+#include "Windows/Controls.h"
 #include "Windows/LevelBar.h"
 #include "Windows/MicrophoneMonitor.h"
 #include "Windows/SettingsStore.h"
 
 #include <QEvent>
-#include <QLabel>
 #include <QVBoxLayout>
 
 namespace vesk {
@@ -14,10 +14,9 @@ namespace vesk {
 MicrophoneLevel::MicrophoneLevel(SettingsStore &settings, DesktopServices &desktop, QWidget *parent)
     : QWidget(parent)
     , m_monitor(new MicrophoneMonitor(desktop.audioDevices(), desktop.audioEngines(), this))
-    , m_device(new QLabel)
+    , m_device(new Paragraph)
     , m_bar(new LevelBar)
 {
-    m_device->setWordWrap(true);
     m_bar->setAccessibleName(tr("Microphone level"));
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -34,27 +33,48 @@ MicrophoneLevel::MicrophoneLevel(SettingsStore &settings, DesktopServices &deskt
 void MicrophoneLevel::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    window()->installEventFilter(this);
-    listenIfSeen();
+    for (QWidget *widget : above()) {
+        widget->installEventFilter(this);
+    }
+    attend();
 }
 
 void MicrophoneLevel::hideEvent(QHideEvent *event)
 {
     QWidget::hideEvent(event);
-    window()->removeEventFilter(this);
-    m_monitor->setActive(false);
+    for (QWidget *widget : above()) {
+        widget->removeEventFilter(this);
+    }
+    m_monitor->setAttention(MicrophoneMonitor::Attention::nothing);
 }
 
-// A minimised window is not hidden as far as its children can tell.
+// A minimised window is not hidden as far as its children can tell, nor is a part of a page that was scrolled
+// away.
 bool MicrophoneLevel::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::WindowStateChange) {
-        listenIfSeen();
+    if (event->type() == QEvent::WindowStateChange || event->type() == QEvent::Move
+        || event->type() == QEvent::Resize) {
+        attend();
     }
     return QWidget::eventFilter(watched, event);
 }
 
-void MicrophoneLevel::listenIfSeen() { m_monitor->setActive(isVisible() && !window()->isMinimized()); }
+QList<QWidget *> MicrophoneLevel::above() const
+{
+    QList<QWidget *> widgets;
+    for (QWidget *widget = parentWidget(); widget != nullptr; widget = widget->parentWidget()) {
+        widgets.append(widget);
+    }
+    return widgets;
+}
+
+void MicrophoneLevel::attend()
+{
+    using Attention = MicrophoneMonitor::Attention;
+    const bool isShown = isVisible() && !window()->isMinimized();
+    const bool isInSight = isShown && !visibleRegion().isEmpty();
+    m_monitor->setAttention(isInSight ? Attention::level : isShown ? Attention::device : Attention::nothing);
+}
 
 void MicrophoneLevel::showState()
 {

@@ -25,7 +25,8 @@ protected:
 
 private:
     void showState();
-    void listenIfSeen();
+    void attend();
+    QList<QWidget *> above() const;
 
     MicrophoneMonitor *m_monitor;
     QLabel *m_device;

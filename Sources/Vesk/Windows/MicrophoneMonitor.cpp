@@ -11,7 +11,7 @@ MicrophoneMonitor::MicrophoneMonitor(const AudioDevices &devices, AudioEngines &
     , m_devices(devices)
     , m_engines(engines)
     , m_level([this](float level) {
-        if (m_isActive) {
+        if (m_attention == Attention::level) {
             Q_EMIT levelChanged(level);
         }
     })
@@ -26,34 +26,33 @@ void MicrophoneMonitor::setMode(const QString &mode)
 {
     if (m_mode != mode) {
         m_mode = mode;
-        if (m_isActive) {
+        if (m_attention != Attention::nothing) {
             start();
         }
     }
 }
 
-void MicrophoneMonitor::setActive(bool isActive)
+void MicrophoneMonitor::setAttention(Attention attention)
 {
-    if (m_isActive == isActive) {
+    if (m_attention == attention) {
         return;
     }
-    m_isActive = isActive;
-    if (isActive) {
-        m_timer.start();
-        start();
-    } else {
-        m_timer.stop();
+    const bool wasHeard = m_attention == Attention::level;
+    m_attention = attention;
+    if (wasHeard) {
         stop();
         Q_EMIT levelChanged(0);
+    }
+    if (attention == Attention::nothing) {
+        m_timer.stop();
+    } else {
+        m_timer.start();
+        start();
     }
 }
 
 void MicrophoneMonitor::start()
 {
-    if (!m_input) {
-        m_input = std::make_unique<AudioInput>(m_devices, m_engines);
-        m_control = std::make_unique<SerialQueue>("vesk.level");
-    }
     const QString device = wantedDevice();
     if (device.isEmpty()) {
         const Availability sound = m_devices.availability();
@@ -63,6 +62,13 @@ void MicrophoneMonitor::start()
         return;
     }
     setState(device, {});
+    if (m_attention != Attention::level) {
+        return;
+    }
+    if (!m_input) {
+        m_input = std::make_unique<AudioInput>(m_devices, m_engines);
+        m_control = std::make_unique<SerialQueue>("vesk.level");
+    }
     m_control->async([this, mode = m_mode, level = m_level.sender()] {
         try {
             m_input->start(mode, [level](const AudioBlock &, float loudness) { level(loudness); });
@@ -70,7 +76,7 @@ void MicrophoneMonitor::start()
             QMetaObject::invokeMethod(
                 this,
                 [this, reason = describe(error)] {
-                    if (m_isActive) {
+                    if (m_attention == Attention::level) {
                         setState({}, reason);
                     }
                 },
@@ -82,7 +88,9 @@ void MicrophoneMonitor::start()
 // Behind a start that is still under way.
 void MicrophoneMonitor::stop()
 {
-    m_control->async([input = m_input.get()] { input->stop(); });
+    if (m_control) {
+        m_control->async([input = m_input.get()] { input->stop(); });
+    }
 }
 
 void MicrophoneMonitor::followDevices()

@@ -10,19 +10,22 @@
 
 namespace vesk {
 
-/// Listens to the microphone that a dictation would record, for a level meter. It records only while it is
-/// active, keeps nothing, and follows devices that come and go. Main thread; the services must outlive it.
-/// Its end waits for a start that is under way.
+/// Listens to the microphone that a dictation would record, for a level meter. It records only while the
+/// level is looked at, keeps nothing, and follows devices that come and go. Main thread; the services must
+/// outlive it. Its end waits for a start that is under way.
 class MicrophoneMonitor final : public QObject {
     Q_OBJECT
 
 public:
+    /// What somebody looks at.
+    enum class Attention { nothing, device, level };
+
     MicrophoneMonitor(const AudioDevices &devices, AudioEngines &engines, QObject *parent = nullptr);
     ~MicrophoneMonitor() override;
 
     /// The microphone mode of the settings.
     void setMode(const QString &mode);
-    void setActive(bool isActive);
+    void setAttention(Attention attention);
 
     /// The device in use; empty when there is none.
     const QString &deviceName() const { return m_deviceName; }
@@ -45,7 +48,7 @@ private:
     AudioEngines &m_engines;
     LevelRelay m_level;
     QString m_mode = QStringLiteral("auto");
-    bool m_isActive = false;
+    Attention m_attention = Attention::nothing;
     QString m_deviceName;
     QString m_problem;
     QTimer m_timer;

@@ -1,6 +1,11 @@
 #include "Windows/PageScroll.h"
 
 #include <QAccessibleWidget>
+#include <QApplication>
+#include <QEvent>
+#include <QScrollBar>
+
+#include <algorithm>
 
 namespace vesk {
 
@@ -22,6 +27,28 @@ PageScroll::PageScroll(QWidget *parent)
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus); // its controls scroll it
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // Qt itself scrolls only to where the focus goes from another control of the page.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) {
+        if (now != nullptr && widget() != nullptr && widget()->isAncestorOf(now)) {
+            ensureWidgetVisible(now);
+        }
+    });
+}
+
+QSize PageScroll::minimumSizeHint() const
+{
+    const QSize least = QScrollArea::minimumSizeHint();
+    const int page = widget() != nullptr ? widget()->minimumSizeHint().width() : 0;
+    return {std::max(least.width(), page + verticalScrollBar()->sizeHint().width()), least.height()};
+}
+
+bool PageScroll::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == widget() && event->type() == QEvent::LayoutRequest) {
+        updateGeometry(); // the page may be wider now
+    }
+    return QScrollArea::eventFilter(watched, event);
 }
 
 } // namespace vesk

@@ -11,6 +11,12 @@ class PageScroll : public QScrollArea {
 
 public:
     explicit PageScroll(QWidget *parent = nullptr);
+
+    /// As wide as the page at its narrowest: it scrolls down and up, never sideways.
+    QSize minimumSizeHint() const override;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 };
 
 } // namespace vesk

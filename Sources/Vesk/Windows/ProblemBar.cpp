@@ -1,11 +1,11 @@
 #include "Windows/ProblemBar.h"
 
+#include "Windows/Controls.h"
 #include "Windows/SettingsStore.h"
 #include "Windows/StatusMark.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -14,12 +14,11 @@ namespace vesk {
 ProblemBar::ProblemBar(SettingsStore &settings, QWidget *parent)
     : QWidget(parent)
     , m_settings(settings)
-    , m_sentence(new QLabel)
+    , m_sentence(new Paragraph)
     , m_replace(new QPushButton(tr("Replace It…")))
 {
     auto *mark = new StatusMark;
     mark->setStatus(StatusMark::Status::missing);
-    m_sentence->setWordWrap(true);
     m_sentence->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto *frame = new QFrame;
     frame->setFrameShape(QFrame::StyledPanel);

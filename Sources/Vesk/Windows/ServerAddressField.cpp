@@ -32,14 +32,21 @@ ServerAddressField::ServerAddressField(SettingsStore &settings, AccountStore &ac
     column->addWidget(m_message);
     m_message->hide();
 
-    const auto show = [this] {
-        m_field->setText(m_settings.config().serverURL);
-        m_field->setCursorPosition(0);
-    };
-    connect(&settings, &SettingsStore::changed, this, show);
+    connect(&settings, &SettingsStore::changed, this, &ServerAddressField::follow);
     connect(m_field, &QLineEdit::editingFinished, this, &ServerAddressField::accept);
     connect(usual, &QPushButton::clicked, this, [this] { use(Config::defaultServerURL()); });
-    show();
+    follow();
+}
+
+// Other settings change as well: what is being typed then stays.
+void ServerAddressField::follow()
+{
+    if (m_shown != m_settings.config().serverURL) {
+        m_shown = m_settings.config().serverURL;
+        m_field->setText(m_shown);
+        m_field->setCursorPosition(0);
+        m_message->hide();
+    }
 }
 
 std::optional<QString> ServerAddressField::address(const QString &typed)
@@ -77,10 +84,15 @@ void ServerAddressField::use(const QString &address)
         return;
     }
     if (m_account.account()) {
+        if (!m_settings.canWrite()) { // the server would stay, and its sign-in would be lost
+            m_field->setText(m_settings.config().serverURL);
+            return;
+        }
         launch(QStringLiteral("sign-out"), m_account.signOut()); // goes to the server that is left
     } else {
         m_account.cancelSignIn();
     }
+    m_shown.clear(); // what was typed may differ from the address in blanks, or cannot be written
     m_settings.change([&address](Config &config) { config.serverURL = address; });
 }
 

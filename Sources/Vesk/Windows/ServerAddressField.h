@@ -22,11 +22,13 @@ public:
     static std::optional<QString> address(const QString &typed);
 
 private:
+    void follow();
     void use(const QString &address);
     void accept();
 
     SettingsStore &m_settings;
     AccountStore &m_account;
+    QString m_shown; ///< the address of the settings that the field was last given
     QLineEdit *m_field;
     QLabel *m_message;
 };

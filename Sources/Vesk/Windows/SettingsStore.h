@@ -32,6 +32,9 @@ public:
     /// False when nothing was written. changed() comes in either case, so that controls show what is true.
     bool change(const std::function<void(Config &)> &edit);
 
+    /// Writes the settings as they are: whether a change would be kept, before what cannot be taken back.
+    bool canWrite() { return read() && write(m_config); }
+
     /// Looks at the file again.
     void reload();
 

@@ -141,8 +141,7 @@ Section *SettingsView::voiceCommands()
     };
     section->add(tr("Command ke&y:"), new ChoiceBox(settings, &Config::commandHotkey, choices, reading),
                  tr("Select text, hold the key and say what should become of it. Needs an account."));
-    auto *clash = new QLabel;
-    clash->setWordWrap(true);
+    auto *clash = new Paragraph;
     keepSaying(clash, settings, [&settings] {
         const auto key = hotkeyKey(settings.config().commandHotkey);
         return key == settings.config().dictationKey()
@@ -182,8 +181,7 @@ Section *SettingsView::notes()
                  tr("So that notes of a call hold the others as well."));
     section->add(new FlagBox(tr("Remind me of mee&tings"), settings, &Config::meetingReminders),
                  tr("A minute before each, with a button to record."));
-    auto *off = new QLabel;
-    off->setWordWrap(true);
+    auto *off = new Paragraph;
     const auto say = [off, isOff = m_services.notificationsOff] {
         off->setText(tr("Notifications for Vesk are off in System Settings > Notifications."));
         off->setVisible(isOff());

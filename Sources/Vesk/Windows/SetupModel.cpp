@@ -17,6 +17,9 @@ using Kind = Requirement::Kind;
 using State = Requirement::State;
 using Help = Requirement::Help;
 
+/// A model that is there is files on a disk, which hardly ever go: every so many looks, ten seconds apart.
+constexpr int LooksBetweenModels = 20;
+
 /// A service that dictation cannot do without, or can.
 Requirement service(Kind kind, const Availability &availability, const QString &whenMet,
                     State otherwise = State::missing)
@@ -32,7 +35,7 @@ SetupModel::SetupModel(const WindowServices &services, QObject *parent)
     , m_services(services)
 {
     m_timer.setInterval(std::chrono::milliseconds(500));
-    connect(&m_timer, &QTimer::timeout, this, &SetupModel::refresh);
+    connect(&m_timer, &QTimer::timeout, this, &SetupModel::lookAgain);
     connect(&services.settings, &SettingsStore::changed, this, &SetupModel::refresh);
     connect(&services.account, &AccountStore::accountChanged, this, &SetupModel::refresh);
     refresh();
@@ -83,6 +86,32 @@ QString SetupModel::title(Requirement::Kind kind)
 }
 
 void SetupModel::refresh()
+{
+    askForSpeechModel();
+    compare();
+}
+
+void SetupModel::lookAgain()
+{
+    if (!m_speechModel.isAvailable() || ++m_looks % LooksBetweenModels == 0) {
+        askForSpeechModel();
+    }
+    compare();
+}
+
+void SetupModel::askForSpeechModel()
+{
+    if (!usesCloud()) {
+        m_speechModel = m_services.speechModel(m_services.settings.config().locale);
+    }
+}
+
+bool SetupModel::usesCloud() const
+{
+    return m_services.settings.config().speech == u"cloud" && m_services.account.account();
+}
+
+void SetupModel::compare()
 {
     DesktopServices &desktop = m_services.desktop;
     QList<Requirement> now = {
@@ -143,11 +172,10 @@ Requirement SetupModel::dictationKey() const
 
 Requirement SetupModel::speech() const
 {
-    const Config &config = m_services.settings.config();
-    if (config.speech == u"cloud" && m_services.account.account()) {
+    if (usesCloud()) {
         return {Kind::speech, State::met, tr("Cloud: Bulgarian and English"), Help::none};
     }
-    return service(Kind::speech, m_services.speechModel(config.locale), tr("On this Mac: English only"));
+    return service(Kind::speech, m_speechModel, tr("On this Mac: English only"));
 }
 
 Requirement SetupModel::account() const

@@ -40,7 +40,7 @@ public:
     /// As last asked for, in the order in which a person goes through them.
     const QList<Requirement> &requirements() const { return m_requirements; }
 
-    /// While anybody looks, every service is asked twice a second.
+    /// While anybody looks, every service is asked twice a second, but the disk only for what is missing.
     void setWatching(bool isWatching);
 
     /// Dictation goes to the right Command key, voice commands to the key that dictation had if they would
@@ -54,6 +54,10 @@ Q_SIGNALS:
 
 private:
     void refresh();
+    void lookAgain();
+    void askForSpeechModel();
+    void compare();
+    bool usesCloud() const;
     Requirement microphone() const;
     Requirement dictationKey() const;
     Requirement speech() const;
@@ -61,7 +65,9 @@ private:
 
     WindowServices m_services;
     QList<Requirement> m_requirements;
+    Availability m_speechModel = Availability::available(); ///< as last asked for
     QTimer m_timer;
+    int m_looks = 0;
     int m_watchers = 0;
 };
 

@@ -19,7 +19,7 @@ namespace vesk {
 
 SetupWindow::SetupWindow(const WindowServices &services, SetupModel &model)
     : m_model(model)
-    , m_summary(new QLabel)
+    , m_summary(new Paragraph)
     , m_done(new QPushButton(tr("Done")))
 {
     setWindowTitle(tr("Set Up Vesk"));
@@ -38,7 +38,6 @@ void SetupWindow::build(const WindowServices &services)
     rows->setContentsMargins(margin, margin, margin, margin);
     rows->setSpacing(margin * 3 / 4);
     rows->addWidget(headline(tr("Speak, and Vesk types"), 1.4));
-    m_summary->setWordWrap(true);
     rows->addWidget(m_summary);
     for (const Requirement &requirement : m_model.requirements()) {
         auto *row = new RequirementRow(requirement.kind);

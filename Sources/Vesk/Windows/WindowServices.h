@@ -24,7 +24,7 @@ struct WindowServices {
     LoginItem &loginItem;
     Clock &clock;
 
-    /// Whether the model of a locale is installed; it must not load it. Asked twice a second.
+    /// Whether the model of a locale is installed; it must not load it. Reads the disk.
     std::function<Availability(const QString &locale)> speechModel;
     /// Whether the desktop shows Vesk's icon.
     std::function<Availability()> tray;

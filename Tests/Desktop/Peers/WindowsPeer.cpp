@@ -1,8 +1,10 @@
 // Vesk's windows with a desktop of fakes and the real files of the home folder, for a test in another process
 // and for pictures: vesk_windows_peer [--pictures FOLDER] [--dark] [--mirrored]
 // Reads commands from standard input, one a line, and answers each with "ok": "page settings", "account",
-// "setup", "missing", "there", "quit".
+// "setup", "missing", "there", "unseen" for a keyboard without the fn key, "down rightOption", "up
+// rightOption", "clipboard", "quit".
 
+#include "Platform/Linux/Host/LinuxLoginItem.h"
 #include "Platform/Qt/SystemClock.h"
 #include "Support/WindowsRig.h"
 #include "Windows/MainWindow.h"
@@ -55,9 +57,11 @@ class Peer final {
 public:
     Peer()
         : m_rig(m_clock, test::FakeSound::Source::tones)
-        , m_model(m_rig.services())
-        , m_main(m_rig.services(), m_model)
-        , m_setup(m_rig.services(), m_model)
+        , m_login(QCoreApplication::applicationFilePath())
+        , m_services(services())
+        , m_model(m_services)
+        , m_main(m_services, m_model)
+        , m_setup(m_services, m_model)
     {
         m_rig.desktop.sound.sound(u"microphone in the lid"_s, 440);
         QObject::connect(&m_main, &MainWindow::setupWanted, &m_setup, &SetupWindow::present);
@@ -78,6 +82,10 @@ public:
             m_setup.present();
         } else if (word == u"missing" || word == u"there") {
             lackThings(m_rig, word == u"missing");
+        } else if (word == u"unseen") {
+            m_rig.desktop.keys.unseenKey = virtualKeyCode(HotkeyKey::fn);
+        } else if (word == u"down" || word == u"up") {
+            hold(hotkeyKey(command.section(u' ', 1)).value(), word == u"down");
         } else if (word == u"clipboard") {
             std::printf("%s\n", m_rig.desktop.board.text().toUtf8().toPercentEncoding().constData());
         } else {
@@ -115,8 +123,23 @@ public:
     test::WindowsRig &rig() { return m_rig; }
 
 private:
+    /// The session's own list of what starts with it, which a test looks into.
+    WindowServices services()
+    {
+        const WindowServices rig = m_rig.services();
+        return {rig.settings, rig.history, rig.account,     rig.mcpSetup, rig.desktop,
+                m_login,      rig.clock,   rig.speechModel, rig.tray,     rig.notificationsOff};
+    }
+
+    void hold(HotkeyKey key, bool isDown)
+    {
+        m_rig.desktop.keys.flagsChanged(virtualKeyCode(key), isDown ? modifierFlag(key) : 0);
+    }
+
     SystemClock m_clock;
     test::WindowsRig m_rig;
+    LinuxLoginItem m_login;
+    WindowServices m_services;
     SetupModel m_model;
     MainWindow m_main;
     SetupWindow m_setup;
