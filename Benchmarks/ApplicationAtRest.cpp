@@ -74,13 +74,14 @@ void measure(const QString &program, int launches, int minutes)
     test::pause(Settling);
     std::printf("memory with the model: %.0f MiB\n", ProcessFigures::memory(application.processId()));
     const double processor = ProcessFigures::processorTime(application.processId());
-    const qint64 wakeUps = ProcessFigures::wakeUps(application.processId());
+    const QHash<QString, qint64> wakeUps = ProcessFigures::wakeUps(application.processId());
     const auto start = Clock::now();
     test::pause(std::chrono::minutes(minutes));
     const double seconds = since(start) / 1000;
     std::printf("at rest for %.0f s: %.3f %% processor, %.2f wake-ups a second\n", seconds,
                 100 * (ProcessFigures::processorTime(application.processId()) - processor) / seconds,
-                static_cast<double>(ProcessFigures::wakeUps(application.processId()) - wakeUps) / seconds);
+                static_cast<double>(ProcessFigures::wakeUpsSince(wakeUps, application.processId()))
+                    / seconds);
 }
 
 } // namespace

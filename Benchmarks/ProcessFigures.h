@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QHash>
 
 #include <unistd.h>
 
@@ -38,14 +39,25 @@ inline double processorTime(qint64 process)
         / static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
-/// How often its threads have gone to sleep and been woken.
-inline qint64 wakeUps(qint64 process)
+/// How often each of its threads has gone to sleep and been woken. By thread, because one that ends takes its
+/// number along.
+inline QHash<QString, qint64> wakeUps(qint64 process)
 {
-    qint64 sum = 0;
+    QHash<QString, qint64> counts;
     const QDir tasks(QStringLiteral("/proc/%1/task").arg(process));
     for (const QString &task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         const QByteArray lines = content(tasks.filePath(task + QStringLiteral("/status")));
-        sum += number(lines, "voluntary_ctxt_switches:");
+        counts[task] = number(lines, "voluntary_ctxt_switches:");
+    }
+    return counts;
+}
+
+inline qint64 wakeUpsSince(const QHash<QString, qint64> &before, qint64 process)
+{
+    qint64 sum = 0;
+    const QHash<QString, qint64> now = wakeUps(process);
+    for (auto thread = now.cbegin(); thread != now.cend(); ++thread) {
+        sum += thread.value() - before.value(thread.key());
     }
     return sum;
 }

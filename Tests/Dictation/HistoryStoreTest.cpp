@@ -1,8 +1,10 @@
 #include "Dictation/HistoryStore.h"
 
 #include "Foundation/Files.h"
+#include "Support/Await.h"
 #include "Support/TemporaryHome.h"
 
+#include <QDir>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -70,6 +72,34 @@ TEST(HistoryStore, forgetsOneEntryInTheFileAsWell)
     EXPECT_EQ(store.entries().at(1).text, u"1"_s);
     EXPECT_EQ(HistoryStore().entries(), store.entries());
     EXPECT_EQ(modeOf(HistoryStore::file()), 0600);
+}
+
+TEST(HistoryStore, whatCannotBeForgottenComesBackAndIsSaid)
+{
+    emptyTestHome();
+    HistoryStore store;
+    store.append(numbered(1));
+    store.append(numbered(2));
+    store.flush();
+    QStringList reasons;
+    QObject::connect(&store, &HistoryStore::couldNotForget, &store,
+                     [&reasons](const QString &reason) { reasons.append(reason); });
+    {
+        const FullDisk disk(0);
+        store.remove(store.entries().first().id);
+        store.flush();
+    }
+    EXPECT_TRUE(eventually([&] { return reasons.size() == 1; }));
+    EXPECT_EQ(store.entries().size(), 2);
+
+    store.clear();
+    store.flush();
+    ASSERT_TRUE(QDir().mkpath(HistoryStore::file() + u"/what cannot be deleted as a file"));
+    store.clear();
+    EXPECT_TRUE(eventually([&] { return reasons.size() == 2; }));
+    for (const QString &reason : reasons) {
+        EXPECT_TRUE(reason.contains(u"history.jsonl cannot be written: "_s)) << qPrintable(reason);
+    }
 }
 
 TEST(HistoryStore, aDamagedLineCostsItsOwnEntryOnly)

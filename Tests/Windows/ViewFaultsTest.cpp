@@ -2,6 +2,7 @@
 // hardware that goes while a list is open.
 
 #include "Server/AccountFile.h"
+#include "Support/TemporaryHome.h"
 #include "Windows/ServerAddressField.h"
 #include "Windows/ViewsFixture.h"
 
@@ -15,9 +16,7 @@
 #include <QPushButton>
 #include <QTest>
 
-#include <csignal>
 #include <functional>
-#include <sys/resource.h>
 
 namespace vesk::test {
 
@@ -48,14 +47,8 @@ protected:
 /// the outcome afterwards.
 void onAFullDisk(const std::function<void()> &step)
 {
-    rlimit before = {};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit none = {0, before.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &none);
+    const FullDisk disk(0);
     step();
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
 }
 
 } // namespace

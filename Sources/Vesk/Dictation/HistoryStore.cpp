@@ -45,8 +45,14 @@ bool endsInsideLine(const QString &path)
 HistoryStore::HistoryStore(QObject *parent)
     : QObject(parent)
 {
+    load();
+}
+
+void HistoryStore::load()
+{
     try {
         m_entries = decoded(Files::read(file()));
+        m_isLoaded = true;
     } catch (const FileError &error) {
         m_isLoaded = error.errorNumber() == ENOENT;
     }
@@ -66,7 +72,13 @@ void HistoryStore::append(const Dictation &dictation)
         m_entries.resize(Limit);
     }
     if (isFull && m_isLoaded) {
-        rewrite();
+        // Qt's strings and lists are shared between threads without copying the text.
+        m_files.async([entries = m_entries] {
+            try {
+                rewrite(entries);
+            } catch (const FileError &) { // the file keeps its old entries and lacks the new one
+            }
+        });
     } else {
         m_files.async([dictation] {
             const QByteArray before = endsInsideLine(file()) ? "\n" : "";
@@ -80,7 +92,7 @@ void HistoryStore::remove(const QUuid &id)
 {
     if (m_entries.removeIf([&id](const Dictation &entry) { return entry.id == id; }) > 0) {
         if (m_isLoaded) {
-            rewrite();
+            forgetting([entries = m_entries] { rewrite(entries); });
         }
         Q_EMIT entriesChanged();
     }
@@ -90,7 +102,7 @@ void HistoryStore::clear()
 {
     m_entries.clear();
     m_isLoaded = true;
-    m_files.async([] { QFile::remove(file()); });
+    forgetting([] { Files::remove(file()); });
     Q_EMIT entriesChanged();
 }
 
@@ -99,16 +111,30 @@ void HistoryStore::flush()
     m_files.sync([] {});
 }
 
-void HistoryStore::rewrite()
+void HistoryStore::forgetting(std::function<void()> work)
 {
-    // Qt's strings and lists are shared between threads without copying the text.
-    m_files.async([entries = m_entries] {
-        QByteArray content;
-        for (const Dictation &entry : entries | std::views::reverse) {
-            content += entry.encode() + '\n';
+    m_files.async([this, work = std::move(work)] {
+        try {
+            work();
+        } catch (const FileError &error) {
+            const auto tell = [this, reason = error.errorDescription()] {
+                load();
+                Q_EMIT entriesChanged();
+                Q_EMIT couldNotForget(reason);
+            };
+            QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
         }
-        Storage::write(content, file());
     });
+}
+
+void HistoryStore::rewrite(const QList<Dictation> &entries)
+{
+    QByteArray content;
+    for (const Dictation &entry : entries | std::views::reverse) {
+        content += entry.encode() + '\n';
+    }
+    Files::makeFolder(Config::directory());
+    Files::replace(file(), content);
 }
 
 } // namespace vesk

@@ -6,11 +6,13 @@
 #include <QList>
 #include <QObject>
 
+#include <functional>
+
 namespace vesk {
 
 /// The person's recent dictations, newest first, mirrored in "history.jsonl" of the program's folder. Main
-/// thread; the file is written on the queue "vesk.history", in the order of the calls. Nothing here fails
-/// aloud: a dictation is not held up by its history.
+/// thread; the file is written on the queue "vesk.history", in the order of the calls. What cannot be added is
+/// left out in silence: a dictation is not held up by its history. What cannot be forgotten is said.
 class HistoryStore final : public QObject {
     Q_OBJECT
 
@@ -37,9 +39,13 @@ public:
 
 Q_SIGNALS:
     void entriesChanged();
+    /// What was to go is still in the file, for this reason; entries() has it again.
+    void couldNotForget(const QString &reason);
 
 private:
-    void rewrite();
+    void load();
+    void forgetting(std::function<void()> work);
+    static void rewrite(const QList<Dictation> &entries);
 
     QList<Dictation> m_entries;
     bool m_isLoaded = true; ///< false when there is a file that could not be read

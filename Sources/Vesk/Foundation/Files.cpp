@@ -119,6 +119,15 @@ void replace(const QString &path, QByteArrayView content)
     }
 }
 
+void remove(const QString &path)
+{
+    for (const QString &name : {linkTarget(path), path}) {
+        if (::unlink(QFile::encodeName(name).constData()) != 0 && errno != ENOENT) {
+            throw FileError(Operation::write, path, errno);
+        }
+    }
+}
+
 bool append(const QString &path, QByteArrayView content)
 {
     Descriptor file(::open(QFile::encodeName(path).constData(), O_WRONLY | O_APPEND | O_CLOEXEC));

@@ -45,6 +45,9 @@ void replace(const QString &path, QByteArrayView content);
 /// writing. Throws when it could be opened but not filled; the file is then as long as it was.
 bool append(const QString &path, QByteArrayView content);
 
+/// Deletes it; no error if there is none. What a symbolic link points to goes as well.
+void remove(const QString &path);
+
 } // namespace Files
 
 } // namespace vesk

@@ -108,6 +108,8 @@ void HistoryView::connectControls()
     connect(m_filter, &QAbstractItemModel::rowsInserted, this, &HistoryView::updateButtons);
     connect(m_text, &QPlainTextEdit::selectionChanged, this, &HistoryView::updateButtons);
     connect(&m_dictionary, &DictionaryModel::said, this, &HistoryView::say);
+    connect(&m_services.history, &HistoryStore::couldNotForget, this,
+            [this](const QString &reason) { say(tr("It is still in the history. %1").arg(reason)); });
     connect(&m_services.settings, &SettingsStore::changed, this, &HistoryView::showCurrent);
     connect(m_copy, &QPushButton::clicked, this, [this] {
         if (const Dictation *entry = current()) {
