@@ -11,8 +11,8 @@
 namespace vesk {
 
 /// The person's recent dictations, newest first, mirrored in "history.jsonl" of the program's folder. Main
-/// thread; the file is written on the queue "vesk.history", in the order of the calls. What cannot be added is
-/// left out in silence: a dictation is not held up by its history. What cannot be forgotten is said.
+/// thread; the file is written on the queue "vesk.history", in the order of the calls. What cannot be added
+/// is left out in silence: a dictation is not held up by its history. What cannot be forgotten is said.
 class HistoryStore final : public QObject {
     Q_OBJECT
 
