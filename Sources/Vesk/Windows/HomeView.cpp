@@ -123,12 +123,12 @@ void HomeView::hideEvent(QHideEvent *event)
 void HomeView::showKeys()
 {
     const Config &config = m_services.settings.config();
-    m_invitation->setText(tr("Hold %1 and speak").arg(hotkeyName(config.dictationKey())));
+    m_invitation->setText(tr("Hold %1 and speak").arg(hotkeyLabel(config.dictationKey())));
     QStringList lines = {
         tr("Let go when you have finished. Press it twice to speak hands-free, and once more to end.")};
     if (const auto command = config.commandKey()) {
         lines.append(
-            tr("With text selected, hold %1 and say what should become of it.").arg(hotkeyName(*command)));
+            tr("With text selected, hold %1 and say what should become of it.").arg(hotkeyLabel(*command)));
     } else if (hotkeyKey(config.commandHotkey)) {
         lines.append(tr("Same key as dictation, so voice commands are off."));
     }

@@ -164,10 +164,10 @@ Requirement SetupModel::dictationKey() const
             Kind::dictationKey, State::advised,
             tr("This keyboard layout uses %1 to type further characters (AltGr). Dictation works with it, "
                "but another key is out of the way.")
-                .arg(hotkeyName(key)),
+                .arg(hotkeyLabel(key)),
             Help::useRightCommand};
     }
-    return {Kind::dictationKey, State::met, tr("Hold %1 and speak.").arg(hotkeyName(key)), Help::none};
+    return {Kind::dictationKey, State::met, tr("Hold %1 and speak.").arg(hotkeyLabel(key)), Help::none};
 }
 
 Requirement SetupModel::speech() const
