@@ -160,16 +160,7 @@ private:
 TEST_P(ClippingTest, everyTextOfEveryPageHasRoom)
 {
     makeWindows();
-    const std::pair<Page, QString> pages[] = {{Page::home, u"home"_s},
-                                              {Page::history, u"history"_s},
-                                              {Page::dictionary, u"dictionary"_s},
-                                              {Page::settings, u"settings"_s}};
-    for (const auto &[page, name] : pages) {
-        main->present(page);
-        expectRoom(*main, name);
-    }
-    setup->present();
-    expectRoom(*setup, u"set-up"_s);
+    onEveryPage([this](QWidget &window, const QString &page) { expectRoom(window, page); });
 }
 
 TEST_P(ClippingTest, everyTextHasRoomWhereThingsAreMissing)

@@ -107,16 +107,7 @@ protected:
 
 TEST_F(KeyboardTest, tabReachesEveryControlOfEveryPageAndLeavesItAgain)
 {
-    const std::pair<Page, QString> pages[] = {{Page::home, u"home"_s},
-                                              {Page::history, u"history"_s},
-                                              {Page::dictionary, u"dictionary"_s},
-                                              {Page::settings, u"settings"_s}};
-    for (const auto &[page, name] : pages) {
-        main->present(page);
-        expectWhole(*main, name);
-    }
-    setup->present();
-    expectWhole(*setup, u"set-up"_s);
+    onEveryPage([this](QWidget &window, const QString &page) { expectWhole(window, page); });
 }
 
 TEST_F(KeyboardTest, aRowThatAnAssistiveProgramSelectsIsTheOneThatIsShown)

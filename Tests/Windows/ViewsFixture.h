@@ -9,6 +9,7 @@
 
 #include <QApplication>
 
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -42,6 +43,21 @@ protected:
             }
         }
         throw std::runtime_error("no control " + name.toStdString());
+    }
+
+    /// Shows every page of the main window in turn, then set-up, each with the name for a failure's message.
+    void onEveryPage(const std::function<void(QWidget &window, const QString &page)> &look)
+    {
+        const std::pair<Page, QString> pages[] = {{Page::home, QStringLiteral("home")},
+                                                  {Page::history, QStringLiteral("history")},
+                                                  {Page::dictionary, QStringLiteral("dictionary")},
+                                                  {Page::settings, QStringLiteral("settings")}};
+        for (const auto &[page, name] : pages) {
+            main->present(page);
+            look(*main, name);
+        }
+        setup->present();
+        look(*setup, QStringLiteral("set-up"));
     }
 
     /// A button or a check box by what stands on it.
