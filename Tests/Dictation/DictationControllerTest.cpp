@@ -262,6 +262,36 @@ TEST_F(ControllerTest, whatCannotStartSaysSo)
     EXPECT_EQ(recordings(), QStringList());
 }
 
+TEST_F(ControllerTest, aRecordingThatAFullDiskCutShortIsNotTakenForWhole)
+{
+    signIn();
+    const QString reason = u".m4a cannot be written: File too large"_s; // the reason that the limit gives
+    const QString said = u"The end of what you said is missing. "_s;
+    const struct {
+        HotkeyKey key;
+        Script script;
+        QString begin;
+        qsizetype files; ///< a recording and its mark
+    } rows[] = {
+        {rightOption, answering(jsonAnswer(R"({"text":"Fine.","raw":"um fine","words":1})")), said, 0},
+        {rightCommand, {}, u"Selection left as it was. "_s, 0},
+        {rightOption, upstream({}), u"The writer rests."_s + Kept.chopped(6) + u' ' + said, 2},
+    };
+    for (const auto &row : rows) {
+        focusField(u"word"_s, u"selected"_s);
+        server.script("dictation", row.script);
+        hold(row.key, 1s);
+        const FullDisk disk(0);
+        controller->released(row.key);
+        ASSERT_TRUE(awaitIdle());
+        EXPECT_TRUE(display.last().startsWith(row.begin)) << qPrintable(display.last());
+        EXPECT_TRUE(display.last().endsWith(reason + u" (5 s)"_s)) << qPrintable(display.last());
+        EXPECT_EQ(recordings().size(), row.files);
+        clock.advance(1s);
+    }
+    EXPECT_TRUE(server.requests("command").empty());
+}
+
 TEST_F(ControllerTest, silenceIsNeitherUploadedNorRecognised)
 {
     signIn();

@@ -57,13 +57,15 @@ struct CloudRecording::Session {
             reason = reason ? reason : std::current_exception();
         }
         if (reason) {
-            Log::write(u"recording is incomplete: "_s + describe(reason));
+            shortfall = describe(reason);
+            Log::write(u"recording is incomplete: " + *shortfall);
         }
     }
 
     Services services;
     const QString url;
     std::optional<Task<>> setup; ///< holds this session: whoever ends it breaks the ring
+    std::optional<QString> shortfall;
 
     std::mutex lock; ///< guards the two below
     std::unique_ptr<AudioFileWriter> file;
@@ -105,6 +107,8 @@ void CloudRecording::cancel()
 void CloudRecording::discard(const QString &url) { QFile::remove(url); }
 
 AudioStats CloudRecording::stats() const { return m_session->microphone.stats(); }
+
+const std::optional<QString> &CloudRecording::shortfall() const { return m_session->shortfall; }
 
 Task<> CloudRecording::setUp(std::shared_ptr<Session> session, QString microphone, Level level)
 {

@@ -38,9 +38,9 @@ public:
     /// The start-up, once it has been asked for and until finish() or cancel(); may be awaited by several.
     const std::optional<Task<>> &setup() const;
 
-    /// Ends the recording and gives the file. Its owner discards it. What could not be written, as on a full
-    /// disk, is missing at its end. Throws what the start-up threw: AudioFileError, VeskError::noMicrophone,
-    /// microphoneDenied or the sound system's own reason; then there is no file.
+    /// Ends the recording and gives the file. Its owner discards it. Throws what the start-up threw:
+    /// AudioFileError, VeskError::noMicrophone, microphoneDenied or the sound system's own reason; then there
+    /// is no file.
     Task<QString> finish();
 
     /// Ends the recording and deletes the file. Returns at once.
@@ -51,6 +51,10 @@ public:
 
     /// Of the microphone, also after the end: whether the recording is worth uploading.
     AudioStats stats() const;
+
+    /// After finish(): why a part of what was said is not in the file, as on a full disk, in a sentence;
+    /// nothing when all of it is.
+    const std::optional<QString> &shortfall() const;
 
 private:
     struct Session;

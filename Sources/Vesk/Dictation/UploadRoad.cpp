@@ -37,6 +37,11 @@ Task<QString> finished(std::shared_ptr<CloudRecording> recording)
     co_return QString(url);
 }
 
+std::optional<QString> joined(const std::optional<QString> &first, const std::optional<QString> &second)
+{
+    return first && second ? QString(*first + u' ' + *second) : first.has_value() ? first : second;
+}
+
 /// In seconds, for the history; 0 when the file does not say.
 double lengthOf(AudioFiles &files, const QString &audio)
 {
@@ -54,6 +59,7 @@ Task<> DictationController::finishUpload(std::shared_ptr<CloudRecording> recordi
     const CancellationToken gone = m_gone;
     const QString file = co_await finished(recording);
     const AudioStats stats = recording->stats();
+    const std::optional<QString> shortfall = recording->shortfall();
     recording.reset();
     if (gone.isCancelled()) {
         co_return;
@@ -68,9 +74,17 @@ Task<> DictationController::finishUpload(std::shared_ptr<CloudRecording> recordi
     if (gone.isCancelled()) {
         co_return;
     }
+    if (job.isCommand && shortfall) { // half an instruction may ask for something else
+        KeptRecordings::discard(file);
+        goIdle(QString(u"Selection left as it was. " + *shortfall));
+        co_return;
+    }
     if (job.isCommand) {
         co_await rewrite(file, job);
         co_return;
+    }
+    if (shortfall) {
+        job.note = u"The end of what you said is missing. " + *shortfall;
     }
     Log::write(u"recorded " + stats.summary());
     co_await send(file, context, job);
@@ -139,6 +153,7 @@ Task<> DictationController::send(QString audio, std::optional<FocusContext> cont
         co_return;
     }
     KeptRecordings::discard(audio);
+    outcome.note = joined(outcome.note, job.note);
     co_await conclude(outcome, context, job);
 }
 
@@ -146,7 +161,7 @@ Task<> DictationController::send(QString audio, std::optional<FocusContext> cont
 Task<> DictationController::sendSecure(QString audio, FocusContext context, Job job)
 {
     const CancellationToken gone = m_gone;
-    Outcome outcome = {u"secure"_s, {}, {}, {}};
+    Outcome outcome = {u"secure"_s, {}, {}, job.note};
     std::exception_ptr failure;
     try {
         const Transcriber::Transcript transcript = co_await Transcriber::transcribe(
@@ -175,7 +190,8 @@ void DictationController::keepForRetry(const QString &audio, const QString &reas
     m_retryAudio = audio;
     KeptRecordings::mark(audio);
     Log::write(u"dictation kept for retry total_ms=%1"_s.arg(millisecondsSince(job.start)));
-    goIdle(QString(reason + u" The recording is kept: Retry Last Dictation in the menu."));
+    const QString message = reason + u" The recording is kept: Retry Last Dictation in the menu.";
+    goIdle(joined(message, job.note));
 }
 
 } // namespace vesk
