@@ -81,6 +81,9 @@ inline std::unique_ptr<Peer> startChromium(Screen &screen, const QString &field,
     return std::make_unique<Peer>(screen, u"chromium"_s, arguments, u"Field page - Chromium"_s);
 }
 
+/// It is not installed for the tests, and takes half a minute more.
+inline bool isFirefoxTried() { return qEnvironmentVariableIsSet("VESK_TEST_FIREFOX"); }
+
 inline std::unique_ptr<Peer> startFirefox(Screen &screen, const QString &field, const QString &text,
                                           Selected selected = {})
 {
@@ -105,7 +108,7 @@ inline std::unique_ptr<Peer> startFirefox(Screen &screen, const QString &field, 
 /// Every kind of field that hides what stands in it, with the beginning of the secret selected.
 inline std::map<std::string, std::unique_ptr<Peer> (*)(Screen &, const QString &)> passwordFields()
 {
-    return {
+    std::map<std::string, std::unique_ptr<Peer> (*)(Screen &, const QString &)> fields = {
         {"GTK 3", [](Screen &on, const QString &text) { return startGtk(on, 3, u"hidden"_s, text, {0, 5}); }},
         {"GTK 4", [](Screen &on, const QString &text) { return startGtk(on, 4, u"hidden"_s, text, {0, 5}); }},
         {"GTK 4 password entry",
@@ -115,6 +118,12 @@ inline std::map<std::string, std::unique_ptr<Peer> (*)(Screen &, const QString &
         {"Qt", [](Screen &on, const QString &text) { return startQt(on, u"password"_s, text, {0, 5}); }},
         {"Chromium",
          [](Screen &on, const QString &text) { return startChromium(on, u"password"_s, text, {0, 5}); }}};
+    if (isFirefoxTried()) {
+        fields.emplace("Firefox", [](Screen &on, const QString &text) {
+            return startFirefox(on, u"password"_s, text, {0, 5});
+        });
+    }
+    return fields;
 }
 
 } // namespace vesk::test

@@ -5,6 +5,7 @@
 #include <QCoroFuture>
 #include <QDBusError>
 #include <QDBusMessage>
+#include <QDBusVariant>
 #include <QPromise>
 
 #include <atomic>
@@ -19,6 +20,32 @@ constexpr int AddressLimit = 2000; // milliseconds, on the worker: the bus may h
 const QString LauncherName = u"org.a11y.Bus"_s;
 const QString BusDaemon = u"org.freedesktop.DBus"_s;
 const QString BusDaemonPath = u"/org/freedesktop/DBus"_s;
+
+QDBusMessage ask(const QDBusConnection &session, const QString &interface, const QString &method,
+                 const QVariantList &arguments, bool mayStart)
+{
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(LauncherName, u"/org/a11y/bus"_s, interface, method);
+    question.setArguments(arguments);
+    question.setAutoStartService(mayStart);
+    return session.call(question, QDBus::Block, AddressLimit);
+}
+
+/// Qt programs and Firefox show their fields, those for passwords among them, only where the session's
+/// accessibility is on. Most sessions begin with it off; once on it stays on for the sessions to come.
+void switchOn(const QDBusConnection &session)
+{
+    const QString properties = u"org.freedesktop.DBus.Properties"_s;
+    const QVariantList isEnabled = {u"org.a11y.Status"_s, u"IsEnabled"_s};
+    if (atspi::property(ask(session, properties, u"Get"_s, isEnabled, false)).toBool()) {
+        return;
+    }
+    const QVariant on = QVariant::fromValue(QDBusVariant(true));
+    const QDBusMessage answer = ask(session, properties, u"Set"_s, isEnabled + QVariantList{on}, false);
+    Log::write(answer.type() == QDBusMessage::ErrorMessage
+                   ? QString(u"the session's accessibility stays off: " + answer.errorMessage())
+                   : u"the session's accessibility is switched on"_s);
+}
 
 } // namespace
 
@@ -67,11 +94,8 @@ AtspiBus::Attempt AtspiBus::attempt(bool mayStart)
 {
     static std::atomic<int> number = 0;
     const QDBusConnection session = QDBusConnection::sessionBus();
-    QDBusMessage question =
-        QDBusMessage::createMethodCall(LauncherName, u"/org/a11y/bus"_s, LauncherName, u"GetAddress"_s);
     // A bus that went away is started again by whoever had set it up, with the settings of the session.
-    question.setAutoStartService(mayStart);
-    const QDBusMessage answer = session.call(question, QDBus::Block, AddressLimit);
+    const QDBusMessage answer = ask(session, LauncherName, u"GetAddress"_s, {}, mayStart);
     const auto address = atspi::text(answer);
     if (!address || address->isEmpty()) {
         return {{}, answer.errorMessage()};
@@ -83,6 +107,7 @@ AtspiBus::Attempt AtspiBus::attempt(bool mayStart)
         QDBusConnection::disconnectFromBus(name);
         return {{}, failure};
     }
+    switchOn(session);
     return {name, {}};
 }
 

@@ -13,7 +13,8 @@
 
 namespace vesk {
 
-/// A connection of our own to the accessibility bus, found again when the bus restarts. Main thread; only the
+/// A connection of our own to the accessibility bus, found again when the bus restarts; connecting also
+/// switches the session's accessibility on. Main thread; only the
 /// connecting, which Qt does not do without waiting, happens on the worker. Without a connection every call
 /// fails at once.
 class AtspiBus final : public QObject, public std::enable_shared_from_this<AtspiBus> {
