@@ -182,6 +182,10 @@ void HistoryView::deleteCurrent()
 
 void HistoryView::askToClear()
 {
+    if (m_question) { // an assistive program can press the button behind the question
+        m_question->raise();
+        return;
+    }
     auto *box = new QMessageBox(
         QMessageBox::Question, tr("Clear the History"),
         tr("Delete all %n dictations from the history? This cannot be undone.", nullptr, m_model.rowCount()),
@@ -193,6 +197,7 @@ void HistoryView::askToClear()
         m_services.history.clear();
         showCurrent();
     });
+    m_question = box;
     box->open();
 }
 

@@ -2,10 +2,12 @@
 
 #include "Windows/WindowServices.h"
 
+#include <QPointer>
 #include <QWidget>
 
 class QLabel;
 class QLineEdit;
+class QMessageBox;
 class QPlainTextEdit;
 class QPushButton;
 
@@ -51,6 +53,7 @@ private:
     QPushButton *m_addWord;
     QPushButton *m_delete;
     QPushButton *m_clear;
+    QPointer<QMessageBox> m_question; ///< whether all may go, while it is open
 };
 
 } // namespace vesk
