@@ -2,6 +2,7 @@
 // comes in through the microphone, the words stand in an editor that no one here wrote.
 
 #include "Desktop/ApplicationFixture.h"
+#include "Desktop/ControlUser.h"
 #include "Desktop/Peer.h"
 #include "Desktop/TrayPeer.h"
 #include "Dictation/HistoryStore.h"
@@ -118,6 +119,28 @@ TEST_F(ApplicationTest, anUploadIsTheRecordingWithItsContext)
     EXPECT_EQ(part("audio").mid(4, 4), "ftyp") << "an MPEG-4 file";
     EXPECT_GT(part("audio").size(), 5'000) << "two and a half seconds at 32 kbit/s";
     EXPECT_TRUE(part("context").contains("Dear Sir")) << part("context").constData();
+}
+
+TEST_F(ApplicationTest, aWordAddedInItsWindowGoesWithTheNextRequest)
+{
+    for (const bool isUpload : {true, false}) {
+        SCOPED_TRACE(isUpload ? "upload" : "clean-up");
+        configure(isUpload ? byUpload() : onThisMachine(true), true);
+        run(QStringLiteral(VESK_TEST_PROGRAM), {}); // opens the window of the one that runs
+        ControlUser user(application().processId());
+        EXPECT_TRUE(user.press(u"list item"_s, u"Dictionary"_s));
+        EXPECT_TRUE(user.type(u"New word"_s, u"Nadezhda"_s));
+        EXPECT_TRUE(user.press(u"push button"_s, u"Add"_s));
+        EXPECT_TRUE(user.finds(u"list item"_s, u"Nadezhda"_s));
+        const auto editor = startMousepad(screen);
+        ASSERT_EQ(textOf(*editor, is(QString())), QString());
+        speak();
+        const QByteArray operation = isUpload ? "dictation" : "cleanup";
+        ASSERT_TRUE(eventually([&] { return !server.requests(operation).empty(); }));
+        const QByteArray sent = server.requests(operation).back().body;
+        EXPECT_TRUE(sent.contains("vocabulary") && sent.contains("Nadezhda")) << sent.right(500).constData();
+        EXPECT_TRUE(isLogged("dictation how="));
+    }
 }
 
 TEST_F(ApplicationTest, tapsAndOtherKeysTypeNothing)

@@ -164,6 +164,18 @@ void Screen::key(int keyCode, bool isDown)
     XSync(m_state->display, False);
 }
 
+std::shared_ptr<void> Screen::grabKeyboard()
+{
+    Display *display = m_state->display;
+    if (XGrabKeyboard(display, root(), False, GrabModeAsync, GrabModeAsync, CurrentTime) != GrabSuccess) {
+        throw std::runtime_error("the keyboard cannot be grabbed");
+    }
+    return {display, [](void *held) {
+                XUngrabKeyboard(static_cast<Display *>(held), CurrentTime);
+                XSync(static_cast<Display *>(held), False);
+            }};
+}
+
 std::optional<Screen::Seen> Screen::seen(const QString &title) const { return seenBelow(root(), title); }
 
 std::optional<Screen::Seen> Screen::seenBelow(Window parent, const QString &title) const

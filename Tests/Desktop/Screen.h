@@ -43,6 +43,9 @@ public:
         keyUp(keyCode);
     }
 
+    /// As an open menu does, until what is returned is gone.
+    std::shared_ptr<void> grabKeyboard();
+
     /// A window that is shown, also one that the window manager does not manage or that stands in another.
     struct Seen {
         Window id = 0;

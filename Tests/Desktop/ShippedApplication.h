@@ -6,6 +6,9 @@
 #include "Support/Await.h"
 #include "Support/TemporaryHome.h"
 
+#include <csignal>
+#include <sys/resource.h>
+
 namespace vesk::test {
 
 using namespace Qt::StringLiterals;
@@ -54,8 +57,11 @@ public:
     {
         m_modelsBefore = log().count("speech model ready");
         m_process = std::make_unique<Process>(
-            m_program, QStringList(),
-            QMap<QString, QString>{{u"PULSE_SERVER"_s, QString::fromStdString(m_soundServer.address())}});
+            m_program,
+            Process::Options{{},
+                             QProcess::SeparateChannels,
+                             [] { std::signal(SIGXFSZ, SIG_IGN); }, // a full disk has no signal either
+                             {{u"PULSE_SERVER"_s, QString::fromStdString(m_soundServer.address())}}});
     }
     void waitForModel()
     {
@@ -63,6 +69,21 @@ public:
             throw std::runtime_error("the application does not load its model: " + log().toStdString());
         }
     }
+
+    /// A machine that sleeps: neither the application nor the sound server runs until it wakes.
+    void fallAsleep()
+    {
+        m_process->signal(SIGSTOP);
+        m_soundServer.freeze();
+    }
+    void wake()
+    {
+        m_soundServer.thaw();
+        m_process->signal(SIGCONT);
+    }
+    /// From now on no file of its own can grow; emptyDisk() makes room again.
+    void fillDisk() const { limitFiles(0); }
+    void emptyDisk() const { limitFiles(RLIM_INFINITY); }
 
     /// Presses the key; what is said until cancel() is dropped.
     void hold() { m_screen.keyDown(DictationKey); }
@@ -98,6 +119,14 @@ public:
     }
 
 private:
+    void limitFiles(rlim_t bytes) const
+    {
+        const rlimit limit = {bytes, RLIM_INFINITY};
+        if (::prlimit(static_cast<pid_t>(m_process->id()), RLIMIT_FSIZE, &limit, nullptr) != 0) {
+            throw std::runtime_error("the application's files cannot be limited");
+        }
+    }
+
     QString m_program;
     SoundServer m_soundServer;
     Screen m_screen;

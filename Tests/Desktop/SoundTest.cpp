@@ -113,6 +113,22 @@ TEST_P(SoundServerTest, aMutedMicrophoneIsSilentAndItsStatisticsSaySo)
     EXPECT_EQ(input.stats().restarts, 0);
 }
 
+TEST_P(SoundServerTest, aSuspendedMicrophoneLeavesAGapAndIsHeardAgain)
+{
+    ServerRig rig(GetParam());
+    rig.plug(u"desk"_s);
+    rig.sound(u"desk"_s, 500);
+    Recording recording;
+    AudioInput input(rig.devices(), rig.engines());
+    input.start(u"auto"_s, recording.consumer());
+    ASSERT_TRUE(recording.awaitTone(500));
+    rig.server().control({u"suspend-source"_s, u"desk"_s, u"1"_s});
+    rig.server().control({u"suspend-source"_s, u"desk"_s, u"0"_s});
+    rig.sound(u"desk"_s, 1'300);
+    EXPECT_TRUE(recording.awaitTone(1'300));
+    EXPECT_GE(recording.strongest(500), 0.48) << "what was said before is kept";
+}
+
 TEST_P(SoundServerTest, aStartThatTheServerAnswersTooLateRecordsNothingBehindThePersonsBack)
 {
     ServerRig rig(GetParam());
