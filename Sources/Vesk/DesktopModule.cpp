@@ -94,12 +94,16 @@ int run()
     case SingleInstance::Claim::stuck:
         return refuse(u"Vesk is running already, but it does not answer. End it and start it again."_s);
     }
+    const bool isFirstLaunch =
+        !QFileInfo::exists(Config::file()); // whoever reads the settings makes the file
     try {
         Application application;
         delegate = &application.delegate();
         const QuitSignals signals([] { QApplication::quit(); });
-        QMetaObject::invokeMethod(
-            qApp, [delegate] { delegate->applicationDidFinishLaunching(); }, Qt::QueuedConnection);
+        const auto didFinishLaunching = [delegate, isFirstLaunch] {
+            delegate->applicationDidFinishLaunching(isFirstLaunch);
+        };
+        QMetaObject::invokeMethod(qApp, didFinishLaunching, Qt::QueuedConnection);
         const int status = QApplication::exec();
         delegate->applicationWillTerminate();
         // A decode that nobody waits for any more cannot be interrupted, and unloading the recogniser's

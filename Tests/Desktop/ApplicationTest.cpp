@@ -303,6 +303,18 @@ TEST_F(ApplicationTest, settingsBrokenByHandAreNamedInTheMenuAndTheFormerOnesSta
     EXPECT_FALSE(tray.ask(u"menu"_s).startsWith(u'['));
 }
 
+TEST_F(ApplicationTest, onlyTheFirstLaunchOpensAWindowWhereNothingIsMissing)
+{
+    configure(onThisMachine(), false);
+    QFile::remove(Config::file());
+    for (const bool isFirst : {true, false}) {
+        application().kill();
+        application().start(); // until the model is there, which is after the windows
+        const std::chrono::milliseconds patience = isFirst ? Screen::Patience : std::chrono::milliseconds(0);
+        EXPECT_EQ(screen.waitForWindow(u"^Set Up Vesk$"_s, patience).has_value(), isFirst);
+    }
+}
+
 TEST_F(ApplicationTest, aSecondStartOpensTheWindowOfTheFirstAndQuitEndsIt)
 {
     configure(onThisMachine(), false);

@@ -61,7 +61,7 @@ AppDelegate::~AppDelegate()
     m_services.desktop.setLockHandler({});
 }
 
-void AppDelegate::applicationDidFinishLaunching()
+void AppDelegate::applicationDidFinishLaunching(bool isFirst)
 {
     m_controller.reloadConfig();
     if (const auto recording = KeptRecordings::recover()) {
@@ -77,13 +77,17 @@ void AppDelegate::applicationDidFinishLaunching()
     Log::write(u"launch speech=%1 signed_in=%2"_s.arg(m_controller.config().speech,
                                                       isSignedIn ? u"true"_s : u"false"_s));
     launch(u"account refresh"_s, m_services.account.refresh());
-    greet();
+    greet(isFirst);
 }
 
-void AppDelegate::greet()
+void AppDelegate::greet(bool isFirst)
 {
-    if (!m_services.windows.isSetupComplete()) {
+    const bool isComplete = m_services.windows.isSetupComplete();
+    // Where nothing is missing the first launch would show nothing at all on a desktop without a panel.
+    if (isFirst || !isComplete) {
         openSetup();
+    }
+    if (!isComplete) {
         return;
     }
     const QString key = hotkeyName(m_controller.config().dictationKey());

@@ -39,8 +39,9 @@ public:
     explicit AppDelegate(const Services &services);
     ~AppDelegate() override;
 
-    /// Once, on the running event loop.
-    void applicationDidFinishLaunching();
+    /// Once, on the running event loop. The person's first launch opens the set-up window, where the key can
+    /// be tried; later ones only where something is missing.
+    void applicationDidFinishLaunching(bool isFirst);
 
     /// The program was started once more.
     void applicationShouldHandleReopen();
@@ -73,7 +74,7 @@ private:
     void keepOwnCopy();
     bool needsAccess() const;
     void watchForAccessibility();
-    void greet();
+    void greet(bool isFirst);
 
     static Task<> startWhenTrusted(AppDelegate *application, CancellationToken gone);
     static Task<> prepareModel(AppDelegate *application, CancellationToken gone);
