@@ -6,22 +6,6 @@
 
 namespace vesk {
 
-TEST(Glyph, itsPathsStandApartInTheMiddleOfEverySquare)
-{
-    for (int side = 16; side <= 256; ++side) {
-        const Glyph::Paths paths = Glyph::paths(side);
-        qreal end = 0;
-        for (const QPainterPath &path : paths) {
-            const QRectF bounds = path.boundingRect();
-            EXPECT_GE(bounds.left() - end, side / 32.) << side;
-            EXPECT_NEAR(bounds.center().y(), side / 2., 0.01) << side;
-            end = bounds.right();
-        }
-        EXPECT_LE(end, side);
-        EXPECT_NEAR(paths.front().boundingRect().left(), side - end, 1.01) << side; // left and right alike
-    }
-}
-
 TEST(Glyph, noColumnOfItIsHalfCoveredAtThePanelsSizes)
 {
     for (const int side : {16, 18, 20, 22, 24, 32, 36, 44, 48, 64}) {

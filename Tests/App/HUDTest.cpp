@@ -17,9 +17,8 @@ namespace {
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
-struct SwitchedCompositing final : Compositing {
-    bool isOn = true;
-    bool isActive() const override { return isOn; }
+struct SomeCompositing final : Compositing {
+    bool isActive() const override { return true; }
 };
 
 class HUDTest : public testing::Test {
@@ -48,31 +47,12 @@ protected:
     }
 
     ManualClock clock;
-    SwitchedCompositing compositing;
+    SomeCompositing compositing;
     HUD hud{clock, compositing};
     const QString longText = u"one word after the other "_s.repeated(10);
 };
 
 } // namespace
-
-TEST(HUDLayout, everythingHasItsPlaceWhileListening)
-{
-    const std::tuple<bool, bool, QRectF, QRectF, qreal> rows[] = {
-        {false, false, {}, {}, 16},
-        {true, false, {16, 10, 14, 14}, {}, 38},
-        {false, true, {}, {16, 9, 16, 16}, 38},
-        {true, true, {16, 10, 14, 14}, {38, 9, 16, 16}, 60},
-    };
-    for (const auto &[isLocked, isCommand, lock, command, barsLeft] : rows) {
-        const HUDLayout layout = HUDLayout::listening(isLocked, isCommand);
-        EXPECT_EQ(layout.lock, lock);
-        EXPECT_EQ(layout.command, command);
-        EXPECT_EQ(layout.barsLeft, barsLeft);
-        EXPECT_EQ(HUDLayout::bar(12, 1, layout.barsLeft).right(), layout.width - 16);
-    }
-    // Right of another screen, above a panel of 40.
-    EXPECT_EQ(HUDLayout::listening(true, false).frame({1920, 0, 1280, 984}), QRect(1920 + 575, 922, 129, 34));
-}
 
 TEST_F(HUDTest, saysInWordsWhatItShows)
 {
@@ -80,6 +60,7 @@ TEST_F(HUDTest, saysInWordsWhatItShows)
     EXPECT_EQ(panel().accessibleName(), u"Listening");
     hud.showListening(true, true);
     EXPECT_EQ(panel().accessibleName(), u"Listening, Hands-free, Command");
+    EXPECT_EQ(panel().width(), 151) << "with room for both signs";
 }
 
 TEST_F(HUDTest, aMessageIsOneLineAndCutAtItsTail)
@@ -123,7 +104,7 @@ TEST_F(HUDTest, aFlashHidesItselfUnlessSomethingFollows)
 TEST(HUD, mayEndBeforeItsFlash)
 {
     ManualClock clock;
-    const SwitchedCompositing compositing;
+    const SomeCompositing compositing;
     std::make_unique<HUD>(clock, compositing)->flash(u"Copied"_s, 5s);
     clock.advance(5s);
     EXPECT_TRUE(clock.waiting().empty());
@@ -143,16 +124,6 @@ TEST_F(HUDTest, barsFollowTheLastLevelsAndStartAgainLow)
     EXPECT_TRUE(eventually([] { return !reaches(10, 4) && !reaches(11, 4) && reaches(12, 0); }));
 }
 
-TEST_F(HUDTest, levelsUnderAMessageAreNotSeen)
-{
-    hud.showText(u"Copied"_s, false);
-    const QImage message = panel().grab().toImage();
-    hud.setLevel(1);
-    EXPECT_EQ(panel().grab().toImage(), message);
-    hud.showListening(false, false);
-    EXPECT_FALSE(reaches(12, 4));
-}
-
 TEST_F(HUDTest, nothingRunsWhileItIsHiddenOrStill)
 {
     hud.showText(u"Working"_s, true);
@@ -166,19 +137,6 @@ TEST_F(HUDTest, nothingRunsWhileItIsHiddenOrStill)
     EXPECT_FALSE(hasTimer());
     hud.showListening(false, false);
     EXPECT_FALSE(hasTimer());
-}
-
-TEST_F(HUDTest, isCutOutWhereNobodyComposesWindows)
-{
-    compositing.isOn = false;
-    hud.showListening(false, false);
-    EXPECT_EQ(panel().mask().boundingRect(), QRect(0, 0, 107, 34));
-    EXPECT_FALSE(panel().mask().contains(QPoint(1, 1)));
-    hud.showText(u"Working on what was said"_s, true);
-    EXPECT_EQ(panel().mask().boundingRect(), panel().rect());
-    compositing.isOn = true;
-    hud.showListening(false, false);
-    EXPECT_TRUE(panel().mask().isEmpty());
 }
 
 } // namespace vesk

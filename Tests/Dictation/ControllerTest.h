@@ -5,12 +5,8 @@
 #include "Dictation/PasteboardLoan.h"
 #include "Platform/Linux/Speech/FfmpegAudioConverter.h"
 #include "Platform/Linux/Speech/FfmpegAudioFiles.h"
-#include "Platform/Permissions.h"
 #include "Server/ServerTest.h"
-#include "Support/FakeAccessibility.h"
-#include "Support/FakeKeyPoster.h"
-#include "Support/FakePasteboard.h"
-#include "Support/FakeSound.h"
+#include "Support/FakeDesktop.h"
 #include "Support/FakeSpeech.h"
 #include "Support/ManualClock.h"
 #include "Support/TemporaryHome.h"
@@ -21,15 +17,6 @@ namespace vesk {
 
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
-
-class FakePermissions final : public Permissions {
-public:
-    Availability accessibility() const override { return keys; }
-    Availability microphone() const override { return sound; }
-
-    Availability keys = Availability::available();
-    Availability sound = Availability::available();
-};
 
 /// What the person sees, written down.
 class RecordedDisplay final : public DictationController::Display {
@@ -136,18 +123,20 @@ protected:
     QString pasted() const { return pasteboard.text(); }
     /// Recordings and their marks in the temporary folder.
     static QStringList recordings() { return QDir::temp().entryList({u"vesk-*"_s}, QDir::Files); }
-    QStringList logged() const { return QString::fromUtf8(log()).split(u'\n', Qt::SkipEmptyParts); }
 
     ManualClock clock;
-    FakePermissions permissions;
+    FakeDesktop desktop{clock, test::FakeSound::Source::tones};
+    test::FakeSound &sound = desktop.sound;
+    FakeAccessibility &accessibility = desktop.programs;
+    FakePasteboard &pasteboard = desktop.board;
+    FakeKeyPoster &keys = desktop.poster;
+    struct {
+        Availability &sound;
+    } permissions{desktop.recording};
     FakeSpeechModels models;
     FfmpegAudioFiles files;
     FfmpegAudioConverters converters;
-    test::FakeSound sound{test::FakeSound::Source::tones};
-    FakeAccessibility accessibility;
-    FakePasteboard pasteboard;
     PasteboardLoan loan{pasteboard, clock};
-    FakeKeyPoster keys{clock};
     HistoryStore history;
     RecordedDisplay display;
     std::unique_ptr<DictationController> controller;
@@ -155,8 +144,8 @@ protected:
     std::unique_ptr<DictationController> makeController()
     {
         return std::make_unique<DictationController>(
-            DictationController::Services{clock, permissions, models, files, converters, sound, sound,
-                                          accessibility, pasteboard, loan, keys, connection, history},
+            DictationController::Services{clock, desktop.permissions(), models, files, converters, sound,
+                                          sound, accessibility, pasteboard, loan, keys, connection, history},
             display);
     }
 };

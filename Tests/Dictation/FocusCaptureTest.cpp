@@ -1,6 +1,5 @@
 #include "Dictation/FocusCapture.h"
 
-#include "Support/AccessibilityContract.h"
 #include "Support/Await.h"
 #include "Support/FakeAccessibility.h"
 #include "Support/ManualClock.h"
@@ -81,21 +80,14 @@ TEST_F(FocusCaptureTest, ofAPasswordFieldNothingButItsRoleIsAskedFor)
 
 TEST_F(FocusCaptureTest, theLabelIsTheFirstOfItsCandidatesThatIsNotBlank)
 {
-    const std::tuple<MaybeText, MaybeText, MaybeText, MaybeText> rows[] = {
-        {u"Subject"_s, u"described"_s, u"titled"_s, u"Subject"_s},
-        {u" \n\t"_s, u" described\n"_s, u"titled"_s, u"described"_s},
-        {std::nullopt, u""_s, u"titled"_s, u"titled"_s},
-        {std::nullopt, std::nullopt, u"  "_s, std::nullopt},
+    const std::pair<QMap<QString, QString>, MaybeText> rows[] = {
+        {{{u"AXPlaceholderValue"_s, u"Subject"_s}, {u"AXDescription"_s, u"described"_s}}, u"Subject"_s},
+        {{{u"AXPlaceholderValue"_s, u" \n\t"_s}, {u"AXDescription"_s, u" described\n"_s}}, u"described"_s},
+        {{{u"AXDescription"_s, u""_s}, {u"AXTitle"_s, u"titled"_s}}, u"titled"_s},
+        {{{u"AXTitle"_s, u"  "_s}}, std::nullopt},
     };
-    for (const auto &[placeholder, description, title, label] : rows) {
-        program->strings.clear();
-        const std::pair<QString, MaybeText> candidates[] = {
-            {u"AXPlaceholderValue"_s, placeholder}, {u"AXDescription"_s, description}, {u"AXTitle"_s, title}};
-        for (const auto &[attribute, value] : candidates) {
-            if (value) {
-                program->strings[attribute] = *value;
-            }
-        }
+    for (const auto &[strings, label] : rows) {
+        program->strings = strings;
         EXPECT_EQ(captured().label, label);
     }
 }
@@ -132,7 +124,6 @@ TEST_F(FocusCaptureTest, theTextIsCutAtItsLimitsAndNeverInsideACharacter)
         {"family at the first cut", family + times(u"a"_s, 1498), {1503, 0}, times(u"a"_s, 1498), {}, u""_s},
         {"family at the last cut", times(u"a"_s, 298) + family, {0, 0}, u""_s, {}, times(u"a"_s, 298)},
         {"accent cut", u"e\u0301"_s + times(u"a"_s, 1499), {1501, 0}, times(u"a"_s, 1499), {}, u""_s},
-        {"Cyrillic at the cuts", times(u"ж"_s, 4000), {2000, 0}, times(u"ж"_s, 1500), {}, times(u"ж"_s, 300)},
     };
     for (const bool answersRanges : {true, false}) {
         for (const Row &row : rows) {
@@ -187,8 +178,7 @@ TEST_F(FocusCaptureTest, theWholeValueServesOnlyBelowItsLimitAndOnlyWithACursor)
 TEST_F(FocusCaptureTest, aProgramThatDiesBetweenTwoAnswersLeavesWhatItSaidUntilThen)
 {
     const FocusContext whole = captured();
-    int questions = static_cast<int>(program->asked.size());
-    bool hadText = false;
+    const auto questions = static_cast<int>(program->asked.size());
     for (int answers = 0; answers <= questions; ++answers) {
         program->answersUntilDeath = answers;
         const FocusContext context = captured();
@@ -197,9 +187,7 @@ TEST_F(FocusCaptureTest, aProgramThatDiesBetweenTwoAnswersLeavesWhatItSaidUntilT
                                   &FocusContext::textBefore, &FocusContext::textAfter}) {
             EXPECT_TRUE(!(context.*member) || context.*member == whole.*member) << answers;
         }
-        hadText = hadText || context.textBefore;
     }
-    EXPECT_TRUE(hadText);
 }
 
 TEST_F(FocusCaptureTest, questionsThatDoNotDependOnEachOtherTravelTogether)
@@ -220,15 +208,6 @@ TEST_F(FocusCaptureTest, questionsThatDoNotDependOnEachOtherTravelTogether)
     EXPECT_EQ(took(), 40ms) << "element, role, range and label, pieces";
     program->delay = 1h;
     EXPECT_LE(took(), 350ms) << "a hung program costs one call";
-}
-
-TEST_F(FocusCaptureTest, theFakeKeepsTheContract)
-{
-    program->text = AccessibilityContract::Text;
-    program->selection = AccessibilityContract::Selection;
-    AccessibilityContract::expectsAField(accessibility);
-    program->answersUntilDeath = 0;
-    AccessibilityContract::expectsNothing(accessibility, 42);
 }
 
 } // namespace

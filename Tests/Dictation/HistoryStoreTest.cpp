@@ -16,6 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+using HistoryStoreTest = HomeTest;
+
 Dictation numbered(int number)
 {
     return {QUuid::createUuid(),
@@ -37,9 +39,8 @@ QList<QByteArray> lines(HistoryStore &store)
 
 } // namespace
 
-TEST(HistoryStore, keepsAThousandTheNewestFirstInMemoryAndLastInTheFile)
+TEST_F(HistoryStoreTest, keepsAThousandTheNewestFirstInMemoryAndLastInTheFile)
 {
-    emptyTestHome();
     HistoryStore store;
     for (int i = 1; i <= 1000; ++i) {
         store.append(numbered(i));
@@ -50,6 +51,11 @@ TEST(HistoryStore, keepsAThousandTheNewestFirstInMemoryAndLastInTheFile)
     EXPECT_EQ(store.entries().first().text, u"1001"_s);
     EXPECT_EQ(store.entries().last().text, u"2"_s);
     EXPECT_EQ(HistoryStore().entries(), store.entries());
+    store.remove(store.entries().at(1).id);
+    store.remove(QUuid::createUuid());
+    EXPECT_EQ(lines(store).size(), 999);
+    EXPECT_EQ(store.entries().at(1).text, u"999"_s);
+    EXPECT_EQ(HistoryStore().entries(), store.entries());
     EXPECT_EQ(modeOf(HistoryStore::file()), 0600);
     store.clear();
     store.flush();
@@ -58,25 +64,8 @@ TEST(HistoryStore, keepsAThousandTheNewestFirstInMemoryAndLastInTheFile)
     EXPECT_EQ(lines(store).size(), 1);
 }
 
-TEST(HistoryStore, forgetsOneEntryInTheFileAsWell)
+TEST_F(HistoryStoreTest, whatCannotBeForgottenComesBackAndIsSaid)
 {
-    emptyTestHome();
-    HistoryStore store;
-    for (int i = 1; i <= 3; ++i) {
-        store.append(numbered(i));
-    }
-    store.remove(store.entries().at(1).id);
-    store.remove(QUuid::createUuid());
-    store.flush();
-    ASSERT_EQ(store.entries().size(), 2);
-    EXPECT_EQ(store.entries().at(1).text, u"1"_s);
-    EXPECT_EQ(HistoryStore().entries(), store.entries());
-    EXPECT_EQ(modeOf(HistoryStore::file()), 0600);
-}
-
-TEST(HistoryStore, whatCannotBeForgottenComesBackAndIsSaid)
-{
-    emptyTestHome();
     HistoryStore store;
     store.append(numbered(1));
     store.append(numbered(2));
@@ -102,9 +91,8 @@ TEST(HistoryStore, whatCannotBeForgottenComesBackAndIsSaid)
     }
 }
 
-TEST(HistoryStore, aDamagedLineCostsItsOwnEntryOnly)
+TEST_F(HistoryStoreTest, aDamagedLineCostsItsOwnEntryOnly)
 {
-    emptyTestHome();
     HistoryStore store;
     store.append(numbered(1));
     const QByteArray good = lines(store).first();
@@ -118,9 +106,8 @@ TEST(HistoryStore, aDamagedLineCostsItsOwnEntryOnly)
     EXPECT_EQ(HistoryStore().entries(), store.entries());
 }
 
-TEST(HistoryStore, aLastLineWithoutItsEndDoesNotTakeTheNextOneWithIt)
+TEST_F(HistoryStoreTest, aLastLineWithoutItsEndDoesNotTakeTheNextOneWithIt)
 {
-    emptyTestHome();
     for (const char *rest : {"", "\n{\"id\": \"half a li"}) {
         HistoryStore store;
         store.append(numbered(1));
@@ -132,9 +119,8 @@ TEST(HistoryStore, aLastLineWithoutItsEndDoesNotTakeTheNextOneWithIt)
     }
 }
 
-TEST(HistoryStore, aFileThatCouldNotBeReadIsAddedToAndNotWrittenOver)
+TEST_F(HistoryStoreTest, aFileThatCouldNotBeReadIsAddedToAndNotWrittenOver)
 {
-    emptyTestHome();
     HistoryStore before;
     before.append(numbered(1));
     EXPECT_EQ(lines(before).size(), 1);

@@ -54,25 +54,20 @@ protected:
 TEST(InserterTest, aSpaceStandsWhereWordsWouldRunTogetherAndNowhereElse)
 {
     const std::tuple<QString, Edge, Edge, QString> rows[] = {
-        {u"word"_s, {}, {}, u"word"_s},
         {u""_s, u"a"_s, u"b"_s, u""_s},
         {u"word"_s, u""_s, u""_s, u"word"_s},
         {u"word"_s, u"one"_s, u"two"_s, u" word "_s},
         {u"word"_s, u"end."_s, u"."_s, u" word"_s},
         {u"word"_s, u"one "_s, u" two"_s, u"word"_s},
-        {u"word"_s, u"one\r\n"_s, u"2"_s, u"word "_s},
         {u"word"_s, u"\u00a0"_s, {}, u"word"_s},
-        {u"word"_s, u"f("_s, u")"_s, u"word"_s},
         {u"word"_s, u"\u201e"_s, u"\u201c"_s, u"word"_s},
         {u"word"_s, u"and/"_s, u"\u00bb"_s, u"word"_s},
         {u"word"_s, u"\u00bb"_s, {}, u" word"_s},
         {u", then"_s, u"one"_s, {}, u", then"_s},
         {u"?"_s, u"one"_s, u"Two"_s, u"? "_s},
-        {u"\u2026"_s, u"one"_s, u"two"_s, u"\u2026"_s},
         {u"\u2019s"_s, u"one"_s, {}, u"\u2019s"_s},
         {u" word"_s, u"one"_s, {}, u" word"_s},
         {u"(word)"_s, u"one"_s, u"two"_s, u" (word)"_s},
-        {u"done!"_s, {}, u"\u00dcber"_s, u"done! "_s},
         {u"\u4f60\u597d"_s, u"\u4e16"_s, u"\u754c"_s, u" \u4f60\u597d "_s},
         {u"e\u0301"_s, u"e\u0301"_s, u"e\u0301"_s, u" e\u0301 "_s},     // a mark belongs to its letter
         {u"word"_s, u"(\u0301"_s, {}, u" word"_s},                      // such a bracket is not the plain one
@@ -115,20 +110,6 @@ TEST_F(PasteTest, theTextLiesThereForTheKeyAndTheOldThingsComeBackAfterTheTerm)
     pass(1ms);
     EXPECT_EQ(board.boards[General].items, mine);
     EXPECT_EQ(board.boards[Selection].reads, 0);
-}
-
-TEST_F(PasteTest, whatThePersonCopiesMeanwhileSurvivesOnItsBoardOnly)
-{
-    keys.pasteboards = {General, Selection};
-    const auto selected = FakePasteboard::item(u"UTF8_STRING"_s, "selected");
-    board.copyByAnother(Selection, selected);
-    paste(u"ls"_s);
-    EXPECT_EQ(pasted, QStringList{u"ls"_s});
-    pass(300ms);
-    board.copyByAnother(General, theirs);
-    pass(1s);
-    EXPECT_EQ(board.boards[General].items, theirs);
-    EXPECT_EQ(board.boards[Selection].items, selected);
 }
 
 TEST_F(PasteTest, aBoardThatSomebodyElseTookFirstIsTheirs)
@@ -177,31 +158,6 @@ TEST_F(PasteTest, pastesBegunTogetherTakeTurns)
     EXPECT_EQ(board.boards[General].items, mine);
 }
 
-TEST_F(PasteTest, aHeldModifierIsWaitedForAndAfterTwoSecondsNothingIsPasted)
-{
-    keys.held = 500ms;
-    auto paste = Inserter::paste(loan, keys, u"late"_s);
-    clock.advance(499ms);
-    EXPECT_EQ(board.boards[General].items, mine) << "the person's clipboard is not taken before it is needed";
-    clock.advance(1ms);
-    awaited(std::move(paste));
-    EXPECT_EQ(pasted, QStringList{u"late"_s});
-    pass(800ms);
-
-    keys.held = 2001ms;
-    auto refused = Inserter::paste(loan, keys, u"never"_s);
-    clock.advance(2s);
-    try {
-        awaited(std::move(refused));
-        ADD_FAILURE() << "the caller was not told";
-    } catch (const InsertionError &error) {
-        EXPECT_EQ(error.errorCase(), InsertionError::Case::modifiersHeld);
-        EXPECT_FALSE(error.errorDescription().isEmpty());
-    }
-    EXPECT_EQ(pasted.size(), 1);
-    EXPECT_EQ(board.boards[General].items, mine);
-}
-
 TEST_F(PasteTest, whatAnOwnerDidNotTellIsNotMadeUp)
 {
     QDir().mkpath(testHome() + u"/Library/Logs"_s);
@@ -239,24 +195,6 @@ TEST_F(PasteTest, theEndOfTheProgramGivesBackAtOnceButNeverOverSomeoneElse)
         EXPECT_THROW(awaited(Inserter::paste(last, keys, u"too late"_s)), InsertionError);
         EXPECT_EQ(board.changeCount(General), count);
     }
-}
-
-TEST_F(PasteTest, aServiceThatCannotWorkIsToldInItsOwnSentence)
-{
-    board.failure = u"There is no X server."_s;
-    EXPECT_THROW(paste(u"x"_s), PasteboardError);
-    board.failure.clear();
-    keys.state = Availability::unavailable(u"There is no keyboard to type on."_s);
-    try {
-        paste(u"x"_s);
-        ADD_FAILURE() << "the caller was not told";
-    } catch (const InsertionError &error) {
-        EXPECT_EQ(error.errorDescription(), u"There is no keyboard to type on."_s);
-    }
-    EXPECT_TRUE(keys.posts.empty());
-    keys.state = Availability::available();
-    paste(u"y"_s);
-    EXPECT_EQ(pasted, QStringList{u"y"_s});
 }
 
 } // namespace vesk

@@ -1,6 +1,5 @@
 #include "Foundation/Channel.h"
 
-#include "Foundation/VeskError.h"
 #include "Support/Await.h"
 
 #include <algorithm>
@@ -40,16 +39,6 @@ TEST(Channel, valuesOfAnotherThreadArriveInOrderAlsoWhenTheReceiverIsFaster)
     sender.join();
     ASSERT_EQ(received.size(), Values);
     EXPECT_TRUE(std::ranges::is_sorted(received));
-}
-
-TEST(Channel, aFailureComesAfterTheValuesBeforeIt)
-{
-    Channel<int> channel;
-    channel.push(1);
-    channel.finish(std::make_exception_ptr(VeskError::noSpeechModel()));
-    EXPECT_EQ(awaited(channel.next()), 1);
-    EXPECT_THROW(awaited(channel.next()), VeskError);
-    EXPECT_THROW(awaited(channel.next()), VeskError);
 }
 
 } // namespace vesk

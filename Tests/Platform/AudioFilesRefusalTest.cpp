@@ -1,8 +1,10 @@
 // Files that hold no sound for us: what the person reads, and that no other file is opened for them.
 
+#include "Foundation/Descriptor.h"
 #include "Platform/SoundFixtures.h"
 
 #include <QDir>
+#include <QtEndian>
 
 #include <sys/inotify.h>
 #include <sys/stat.h>
@@ -22,7 +24,6 @@ TEST_F(AudioFilesRefusalTest, theSentenceSaysWhatIsWrong)
     ASSERT_EQ(::mkfifo(path(u"pipe.wav"_s).toLocal8Bit().constData(), 0600), 0);
     write(u"empty.wav"_s, {});
     write(u"letter.wav"_s, "Dear Sir or Madam,\n\nthis is no sound.\n");
-    write(u"letter.mp3"_s, QByteArray("words, words, words\n").repeated(10'000));
     write(u"picture.mp3"_s,
           QByteArray::fromHex("89504E470D0A1A0A0000000D49484452").append(QByteArray(500, 'x')));
     ASSERT_NO_FATAL_FAILURE(makeTones(u"whole.m4a"_s));
@@ -42,13 +43,11 @@ TEST_F(AudioFilesRefusalTest, theSentenceSaysWhatIsWrong)
     write(u"nothing.wav"_s, nothing.first(nothing.indexOf("data") + 4) + QByteArray(4, '\0'));
 
     for (const auto &[file, sentence] : {
-             std::pair{"missing.wav", "There is no file missing.wav"},
              std::pair{"50%1 missing.wav", "There is no file 50%1 missing.wav"},
              std::pair{"Music", "Music is a folder, not a sound file"},
              std::pair{"pipe.wav", "pipe.wav is a pipe or a device, not a sound file"},
              std::pair{"empty.wav", "empty.wav is empty"},
              std::pair{"letter.wav", "letter.wav is not a sound file of a kind that can be read"},
-             std::pair{"letter.mp3", "letter.mp3 is not a sound file of a kind that can be read"},
              std::pair{"picture.mp3", "picture.mp3 is not a sound file of a kind that can be read"},
              std::pair{
                  "broken off.m4a",
@@ -64,91 +63,59 @@ TEST_F(AudioFilesRefusalTest, theSentenceSaysWhatIsWrong)
     EXPECT_EQ(refusal(u"../../../../../../../../dev/zero"_s), "zero is a pipe or a device, not a sound file");
 }
 
-TEST_F(AudioFilesRefusalTest, aFileOfAnotherPersonIsRefusedWithTheSystemsReason)
-{
-    ASSERT_NO_FATAL_FAILURE(makeTones(u"private.wav"_s));
-    const QByteArray folder = path(u"."_s).toLocal8Bit();
-    ASSERT_EQ(::chmod(folder.constData(), 0711), 0);
-    ASSERT_EQ(::chmod(path(u"private.wav"_s).toLocal8Bit().constData(), 0), 0);
-    const bool isRoot = ::geteuid() == 0; // whom no mode keeps out
-    if (isRoot) {
-        ASSERT_EQ(::seteuid(65'534), 0);
-    }
-    const std::string sentence = refusal(u"private.wav"_s);
-    if (isRoot) {
-        ASSERT_EQ(::seteuid(0), 0);
-    }
-    EXPECT_EQ(sentence, "private.wav cannot be opened: Permission denied");
-}
-
-/// Notices when any program opens a file.
-class OpeningWatch {
-public:
-    explicit OpeningWatch(const QString &path)
-        : m_descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+/// Another file, which ours would have opened.
+class AudioFilesReferenceTest : public AudioFilesRefusalTest {
+protected:
+    void watch(const QString &name)
     {
-        EXPECT_GE(::inotify_add_watch(m_descriptor, path.toLocal8Bit().constData(), IN_OPEN), 0);
+        EXPECT_GE(::inotify_add_watch(m_watch.number(), path(name).toLocal8Bit().constData(), IN_OPEN), 0);
     }
-    ~OpeningWatch() { ::close(m_descriptor); }
-    OpeningWatch(const OpeningWatch &) = delete;
-    OpeningWatch &operator=(const OpeningWatch &) = delete;
 
-    /// Since the last call.
+    /// Whether any program did, since the last call.
     bool wasOpened() const
     {
         bool any = false;
         char events[4'096];
-        while (::read(m_descriptor, events, sizeof events) > 0) {
+        while (::read(m_watch.number(), events, sizeof events) > 0) {
             any = true;
         }
         return any;
     }
 
-private:
-    int m_descriptor;
-};
-
-class AudioFilesReferenceTest : public AudioFilesRefusalTest {
-protected:
-    /// Whether the `ffmpeg` program, told to trust the file, follows it to the other one: only then does the
-    /// file tempt the reader under test.
-    bool isFollowed(const QString &name, const QString &options, const OpeningWatch &watch) const
+    /// The `ffmpeg` program, told to trust the file, follows it to the other one: only then does the file
+    /// tempt the reader under test.
+    void expectTemptation(const QString &name, const QString &options) const
     {
         QProcess program;
         program.start(u"ffmpeg"_s,
                       QStringList{u"-nostdin"_s} + options.split(u' ')
                           + QStringList{u"-i"_s, u"file:"_s + path(name), u"-f"_s, u"null"_s, u"-"_s});
         EXPECT_TRUE(program.waitForFinished(60'000));
-        return watch.wasOpened();
+        ASSERT_TRUE(wasOpened());
     }
+
+private:
+    Descriptor m_watch{::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)};
 };
 
 TEST_F(AudioFilesReferenceTest, textsThatNameAnotherFileAreRefusedAndTheOtherStaysClosed)
 {
     ASSERT_NO_FATAL_FAILURE(makeTones(u"secret.ts"_s));
-    const OpeningWatch watch(path(u"secret.ts"_s));
+    watch(u"secret.ts"_s);
     const QByteArray secret = path(u"secret.ts"_s).toUtf8();
     // What makes the `ffmpeg` program trust it, and its content.
     const std::pair<QString, QByteArray> rows[] = {
         {u"-f hls -protocol_whitelist file -allowed_extensions ALL"_s,
          "#EXTM3U\n#EXT-X-TARGETDURATION:3\n#EXTINF:3,\n" + secret + "\n#EXT-X-ENDLIST\n"},
         {u"-f concat -protocol_whitelist file -safe 0"_s, "ffconcat version 1.0\nfile '" + secret + "'\n"},
-        {u"-f dash -protocol_whitelist file"_s,
-         "<?xml version=\"1.0\"?><MPD xmlns=\"urn:mpeg:dash:schema:mpd:2011\" type=\"static\""
-         " profiles=\"urn:mpeg:dash:profile:isoff-main:2011\" mediaPresentationDuration=\"PT3S\"><Period>"
-         "<AdaptationSet mimeType=\"audio/mp2t\"><Representation id=\"1\" bandwidth=\"1\"><BaseURL>"
-             + secret + "</BaseURL></Representation></AdaptationSet></Period></MPD>"},
     };
     for (const auto &[options, words] : rows) {
         SCOPED_TRACE(options.toStdString());
         write(u"x.wav"_s, words);
-        ASSERT_TRUE(isFollowed(u"x.wav"_s, options, watch));
+        ASSERT_NO_FATAL_FAILURE(expectTemptation(u"x.wav"_s, options));
         EXPECT_EQ(refusal(u"x.wav"_s), "x.wav is not a sound file of a kind that can be read");
-        EXPECT_FALSE(watch.wasOpened());
+        EXPECT_FALSE(wasOpened());
     }
-    write(u"x.wav"_s,
-          "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\nm=audio 5004 RTP/AVP 0\n");
-    EXPECT_EQ(refusal(u"x.wav"_s), "x.wav is not a sound file of a kind that can be read");
 }
 
 /// A QuickTime file whose sound lies in another file, which it names by an alias record.
@@ -156,11 +123,9 @@ QByteArray withSoundElsewhere(QByteArray movie, const QByteArray &elsewhere)
 {
     QByteArray alias(150, '\0'); // volume, file name and the like: not needed beside the whole path
     const auto number = [](quint32 value, int bytes) {
-        QByteArray big(bytes, '\0');
-        for (int i = bytes - 1; i >= 0; --i, value >>= 8) {
-            big[i] = static_cast<char>(value & 0xFF);
-        }
-        return big;
+        QByteArray big(4, '\0');
+        qToBigEndian(value, big.data());
+        return big.last(bytes);
     };
     alias += number(2, 2) + number(static_cast<quint32>(elsewhere.size()), 2) + elsewhere
         + QByteArray(elsewhere.size() % 2, '\0') + number(0xFFFF, 2) + number(0, 2);
@@ -183,10 +148,10 @@ TEST_F(AudioFilesReferenceTest, aMovieWhoseSoundLiesElsewhereIsRefusedAndTheOthe
 {
     ASSERT_NO_FATAL_FAILURE(makeTones(u"secret.mov"_s, u"-c:a pcm_s16le"_s));
     write(u"x.mov"_s, withSoundElsewhere(content(u"secret.mov"_s), path(u"secret.mov"_s).toUtf8()));
-    const OpeningWatch watch(path(u"secret.mov"_s));
-    ASSERT_TRUE(isFollowed(u"x.mov"_s, u"-enable_drefs 1 -use_absolute_path 1"_s, watch));
+    watch(u"secret.mov"_s);
+    ASSERT_NO_FATAL_FAILURE(expectTemptation(u"x.mov"_s, u"-enable_drefs 1 -use_absolute_path 1"_s));
     EXPECT_EQ(refusal(u"x.mov"_s), "x.mov has no sound in it");
-    EXPECT_FALSE(watch.wasOpened());
+    EXPECT_FALSE(wasOpened());
 }
 
 } // namespace

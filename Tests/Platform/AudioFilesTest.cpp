@@ -21,33 +21,25 @@ struct Kind {
     double right = 0.25;
 };
 
+// One for each kind of container, and those in which length or samples are told in another way.
 const Kind Kinds[] = {
     {"8 bit unsigned.wav", "-c:a pcm_u8"},
-    {"16 bit.wav", ""},
     {"24 bit.wav", "-c:a pcm_s24le"},
-    {"32 bit.wav", "-c:a pcm_s32le"},
-    {"float.wav", "-c:a pcm_f32le"},
     {"double.wav", "-c:a pcm_f64le"},
     {"big.wav", "-rf64 always"},
     {"telephone.wav", "-c:a pcm_mulaw -ar 8000 -ac 1", {8'000, 1}, true, 0.25},
-    {"european telephone.wav", "-c:a pcm_alaw -ar 8000 -ac 1", {8'000, 1}, true, 0.25},
-    {"mobile telephone.wav", "-c:a libgsm_ms -ar 8000 -ac 1", {8'000, 1}, true, 0.25},
     {"dictaphone.wav", "-c:a adpcm_ima_wav"},
-    {"old windows.wav", "-c:a adpcm_ms"},
     {"studio.wav", "-c:a pcm_s24le -ar 192000 -af pan=7.1|c0=c0|c1=c1|c7=c0", {192'000, 8}},
     {"sony.w64", "", {44'100, 2}, false},
     {"mac.aiff", ""},
     {"mac.caf", ""},
     {"sun.au", ""},
     {"phone.m4a", ""},
-    {"lossless.m4a", "-c:a alac"},
     {"streamed.m4a", "-movflags frag_keyframe+empty_moov"},
     {"music.mp3", ""},
     {"without index.mp3", "-write_xing 0", {44'100, 2}, false},
     {"music.flac", "-sample_fmt s32"},
-    {"music.ogg", "-c:a libvorbis"},
     {"message.ogg", "-c:a libopus", {48'000, 2}},
-    {"browser.webm", "-c:a libopus", {48'000, 2}},
     {"music.mka", "-c:a flac"},
     {"bare.aac", "", {44'100, 2}, false},
     {"dolby.ac3", "", {44'100, 2}, false},
@@ -89,38 +81,6 @@ TEST_F(AudioFilesTest, ofAVideoTheSoundIsRead)
         EXPECT_NEAR(result.seconds(), 3, 0.1);
         EXPECT_NEAR(decibels(amplitudeAt(result.sound, 500, 0) / 0.5), 0, 0.5);
         EXPECT_EQ(text(result.shortfall), "");
-    }
-}
-
-TEST_F(AudioFilesTest, speechOfOldMobilePhonesIsRead)
-{
-    QByteArray frames("#!AMR\n");
-    for (int i = 0; i < 100; ++i) { // 12.2 kbit/s, 20 ms each
-        frames += '\x3C' + QByteArray(31, static_cast<char>(i));
-    }
-    write(u"memo.amr"_s, frames);
-    const ReadSound result = read(u"memo.amr"_s);
-    EXPECT_EQ(result.sound.format, (AudioFormat{8'000, 1}));
-    EXPECT_EQ(result.sound.frames(), 100 * 160);
-}
-
-TEST_F(AudioFilesTest, nineTracksOfARecorderStayNineChannels)
-{
-    constexpr int Tracks = 9;
-    std::vector<int16_t> raw;
-    for (int i = 0; i < 10'000 * Tracks; ++i) {
-        raw.push_back(static_cast<int16_t>(1'000 * (i % Tracks)));
-    }
-    write(u"raw"_s,
-          QByteArray(reinterpret_cast<const char *>(raw.data()),
-                     static_cast<qsizetype>(raw.size() * sizeof(int16_t))));
-    ASSERT_NO_FATAL_FAILURE(
-        ffmpeg(u"-f s16le -ar 48000 -ac 9 -i %1"_s.arg(path(u"raw"_s)).split(u' '), u"nine.wav"_s));
-    const ReadSound result = read(u"nine.wav"_s);
-    ASSERT_EQ(result.sound.format, (AudioFormat{48'000, Tracks}));
-    ASSERT_EQ(result.sound.samples.size(), raw.size());
-    for (std::size_t i = 0; i < raw.size(); ++i) {
-        ASSERT_EQ(result.sound.samples[i], static_cast<float>(raw[i]) / 32'768) << i;
     }
 }
 

@@ -98,17 +98,12 @@ TEST_F(AudioFilesWritingTest, veryShortRecordingsCanBeRead)
 TEST_F(AudioFilesWritingTest, whatCannotBeMadeIsRefusedWithASentence)
 {
     write(u"there.m4a"_s, "somebody's");
-    const std::pair<QString, std::string> rows[] = {
-        {u"there.m4a"_s, "there.m4a cannot be written: File exists"},
-        {u"no/folder.m4a"_s, "folder.m4a cannot be written: No such file or directory"},
-    };
-    for (const auto &[name, sentence] : rows) {
-        try {
-            m_files.openForWriting(path(name), Settings);
-            ADD_FAILURE() << name.toStdString();
-        } catch (const AudioFileError &error) {
-            EXPECT_EQ(text(error.errorDescription()), sentence);
-        }
+    for (const auto &[name, sentence] :
+         {std::pair(u"there.m4a"_s, "there.m4a cannot be written: File exists"),
+          std::pair(u"no/folder.m4a"_s, "folder.m4a cannot be written: No such file or directory")}) {
+        EXPECT_THAT([&] { m_files.openForWriting(path(name), Settings); },
+                    testing::Throws<AudioFileError>(
+                        testing::Property(&AudioFileError::errorDescription, QString::fromLatin1(sentence))));
     }
     EXPECT_EQ(content(u"there.m4a"_s), "somebody's");
 }

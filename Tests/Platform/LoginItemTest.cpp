@@ -3,7 +3,6 @@
 #include "Support/Await.h"
 #include "Support/TemporaryHome.h"
 
-#include <QDir>
 #include <QFile>
 #include <QProcess>
 
@@ -18,14 +17,11 @@ TEST(LoginItem, whatItWritesStartsTheProgramWhateverItsPathHolds)
     for (const QString &folder : {u"plain"_s, u"with blank"_s, u"a\"b`c$d\\e"_s}) {
         emptyTestHome();
         const QString program = testHome() + u'/' + folder + u"/vesk";
-        QDir().mkpath(testHome() + u'/' + folder);
-        QFile script(program);
-        ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-        script.write("#!/bin/sh\ntouch \"$HOME/started\"\n");
-        script.close();
+        Files::makeFolder(testHome() + u'/' + folder);
+        Files::replace(program, "#!/bin/sh\ntouch \"$HOME/started\"\n");
         LinuxLoginItem item(program);
         EXPECT_FALSE(item.availability().isAvailable()) << "no program yet";
-        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         ASSERT_TRUE(item.availability().isAvailable());
         EXPECT_FALSE(item.isEnabled());
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "Foundation/Files.h"
 #include "Platform/AudioFiles.h"
 #include "Platform/Linux/Speech/FfmpegAudioFiles.h"
 #include "Support/TemporaryHome.h"
 #include "Support/Tones.h"
 
-#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -56,19 +56,8 @@ protected:
         ffmpeg(arguments + options.split(u' ', Qt::SkipEmptyParts), output);
     }
 
-    QByteArray content(const QString &name) const
-    {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-        return file.readAll();
-    }
-
-    void write(const QString &name, const QByteArray &bytes) const
-    {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        ASSERT_EQ(file.write(bytes), bytes.size());
-    }
+    QByteArray content(const QString &name) const { return Files::read(path(name)); }
+    void write(const QString &name, const QByteArray &bytes) const { Files::replace(path(name), bytes); }
 
     ReadSound read(const QString &name)
     {

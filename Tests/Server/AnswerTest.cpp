@@ -27,15 +27,11 @@ TEST_F(Answer, failureIsMappedByStatusAndBody)
         {402, R"({"error":"expired","message":"The trial is over."})",
          ServerError::expired(u"The trial is over."_s)},
         {403, R"({"error":"Signed_Out","message":"No."})", ServerError::other(u"No."_s)},
-        {404, R"({"message":"No such thing.","raw":"x","more":[1]})",
-         ServerError::other(u"No such thing."_s)},
         {409, R"({"error":null,"message":null})", plain(409)},
         {422, R"({"error":"expired","message":7})", plain(422)},
         {429, "", plain(429)},
         {502, "<html><body>Bad gateway</body></html>", plain(502)},
-        {503, "[]", plain(503)},
         {304, "", plain(304)},
-        {418, R"({"error":"expired","message":"кафе"})", ServerError::expired(u"кафе"_s)},
     };
     for (const auto &[status, body, expected] : rows) {
         SCOPED_TRACE(testing::Message() << status << body.constData());
@@ -45,14 +41,6 @@ TEST_F(Answer, failureIsMappedByStatusAndBody)
         EXPECT_EQ(failure<ServerError>(client().cleanup(u"x"_s, std::nullopt, {})), expected);
     }
     EXPECT_EQ(server.requests().size(), 2 * rows.size()) << "something was sent again";
-}
-
-TEST_F(Answer, challengeKeepsTheServersOwnSentence)
-{
-    const QByteArray body = R"({"error":"signed_out","message":"Sign in again."})";
-    server.script("account", answering({401, body, {{"WWW-Authenticate", "Bearer"}}}));
-    EXPECT_EQ(failure<ServerError>(client().account()), ServerError::signedOut(u"Sign in again."_s));
-    EXPECT_EQ(server.requests().size(), 1);
 }
 
 TEST_F(Answer, emptySuccessIsAnEmptyRecord)
@@ -67,8 +55,7 @@ TEST_F(Answer, emptySuccessIsAnEmptyRecord)
 
 TEST_F(Answer, successThatDoesNotFitIsADecodingError)
 {
-    for (const char *body : {"", "{}", "<html></html>", R"({"text":null})", R"({"text":5})", R"(["text"])",
-                             R"({"text":"half)"}) {
+    for (const char *body : {"", "{}", "<html></html>", R"({"text":5})", R"({"text":"half)"}) {
         server.script("cleanup", answering(jsonAnswer(body)));
         EXPECT_TRUE(failure<DecodingError>(client().cleanup(u"x"_s, std::nullopt, {}))) << body;
     }
@@ -84,7 +71,6 @@ TEST_F(Answer, pollIsSignedInOnlyWithTokenAndAccount)
         server.script("auth/poll", answering(jsonAnswer(body)));
         return awaited(client().poll(u"r"_s));
     };
-    EXPECT_FALSE(poll(R"({"token":null,"account":null})").signedIn);
     EXPECT_FALSE(poll(R"({"token":"t"})").signedIn);
     EXPECT_FALSE(poll(R"({"account":{"email":"a@b"}})").signedIn);
     const Poll done = poll(R"({"token":"t","account":{"email":"a@b","created":"2026-01-02T03:04:05Z"}})");
@@ -117,6 +103,10 @@ TEST_F(Answer, tooLongIsRefusedWhileItArrives)
 {
     const ServerError tooLong = ServerError::other(u"The Vesk server's answer is too long."_s);
     const QByteArray large(ServerConnection::LongestAnswer + 1, ' ');
+
+    const QByteArray beginning = R"({"email":"a@b"})";
+    server.scriptOnce("account", answering(jsonAnswer(beginning + large.sliced(beginning.size() + 1))));
+    EXPECT_EQ(awaited(client().account()).email, u"a@b"_s) << "the longest that is allowed";
 
     Script unannounced = answering(jsonAnswer(large + large.left(1000)));
     unannounced.manner = Script::Manner::stall;
@@ -156,14 +146,6 @@ TEST_F(Answer, compressedIsMeasuredUnpacked)
     EXPECT_EQ(failure<ServerError>(client().account()), unreadable);
     server.scriptOnce("account", answering({200, "not deflated", {{"Content-Encoding", "deflate"}}}));
     EXPECT_EQ(failure<ServerError>(client().account()), unreadable);
-}
-
-TEST_F(Answer, longestAllowedIsRead)
-{
-    const QByteArray beginning = R"({"email":"a@b"})";
-    const QByteArray body = beginning + QByteArray(ServerConnection::LongestAnswer - beginning.size(), ' ');
-    server.script("account", answering(jsonAnswer(body)));
-    EXPECT_EQ(awaited(client().account()).email, u"a@b"_s);
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 #include "Server/ServerTest.h"
 
 #include <QSslConfiguration>
-#include <QTcpServer>
 
 namespace vesk {
 
@@ -62,26 +61,6 @@ TEST_F(Offline, everyExchangeWithoutACompleteAnswer)
     }
 }
 
-TEST_F(Offline, nobodyListensOrNobodyIsCalledSo)
-{
-    quint16 closedPort = 0;
-    {
-        QTcpServer brief;
-        ASSERT_TRUE(brief.listen(QHostAddress::LocalHost));
-        closedPort = brief.serverPort();
-    }
-    QUrl refused = server.baseURL();
-    refused.setPort(closedPort);
-    const QUrl unknown(u"https://server.invalid/api/v1"_s);
-    for (const QUrl &url : {refused, unknown}) {
-        EXPECT_EQ(failure<ServerError>(ServerClient(connection, url, std::nullopt).account()),
-                  ServerError::offline())
-            << qPrintable(url.toString());
-    }
-    EXPECT_EQ(ServerError::offline().errorDescription(),
-              u"Vesk could not reach its server. Check the internet connection."_s);
-}
-
 TEST_F(Offline, reasonIsLoggedWithoutTokenOrText)
 {
     server.script("cleanup", behaving(Manner::silent));
@@ -138,7 +117,6 @@ TEST_F(Offline, certificateThatNobodyTrusts)
 
 TEST_F(Offline, connectionThatDiedUnusedIsReplaced)
 {
-    awaited(client().account());
     server.scriptOnce("account", answering({200, R"({"email":"a@b"})", {{"Connection", "close"}}}));
     awaited(client().account());
     EXPECT_EQ(awaited(client().cleanup(u"um hello"_s, std::nullopt, {})), u"Hello."_s);
@@ -158,17 +136,6 @@ TEST_F(Offline, endOfTheConnectionEndsWhatIsUnderWay)
     ASSERT_TRUE(asked.isReady() && alsoAsked.isReady() && justAsked.isReady());
     EXPECT_EQ(log(), before) << "nobody was offline";
     EXPECT_EQ(failure<ServerError>(std::move(asked)), ServerError::offline());
-}
-
-TEST_F(Offline, twoRequestsAtOnceGetTheirOwnAnswers)
-{
-    Script slow;
-    slow.delay = std::chrono::milliseconds(50);
-    server.scriptOnce("cleanup", slow);
-    Task<QString> first = client().cleanup(u"first"_s, std::nullopt, {});
-    Task<QString> second = client().cleanup(u"second"_s, std::nullopt, {});
-    EXPECT_EQ(awaited(std::move(second)), u"Second."_s);
-    EXPECT_EQ(awaited(std::move(first)), u"First."_s);
 }
 
 } // namespace

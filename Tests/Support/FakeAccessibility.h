@@ -6,6 +6,8 @@
 #include <QMap>
 #include <QStringList>
 
+#include <type_traits>
+
 namespace vesk {
 
 /// What a test's program shows, and how badly it answers. Shared with every element of it.
@@ -36,49 +38,50 @@ struct FakeProgram {
 class FakeAccessibilityElement final : public AccessibilityElement {
 public:
     enum class Kind { application, window, field };
-    using Program = std::shared_ptr<FakeProgram>;
+    struct View {
+        std::shared_ptr<FakeProgram> program;
+        Kind kind;
+        AccessibilityLimits limits;
+        Clock::Monotonic end; ///< of the time for all answers
+    };
 
-    FakeAccessibilityElement(Program program, Kind kind, AccessibilityLimits limits, Clock::Monotonic end)
-        : m_program(std::move(program))
-        , m_kind(kind)
-        , m_limits(limits)
-        , m_end(end)
+    explicit FakeAccessibilityElement(View view)
+        : m_view(std::move(view))
     {
     }
+
+    TextUnit textUnit() const override { return m_view.program->unit; }
 
     Task<std::optional<QString>> string(QString attribute) override
     {
-        return answer(std::move(attribute), [program = m_program, kind = m_kind](const QString &name) {
-            return stringOf(*program, kind, name);
-        });
+        return answer(attribute, [attribute](View &view) { return stringOf(view, attribute); });
     }
-
-    TextUnit textUnit() const override { return m_program->unit; }
 
     Task<std::optional<qint64>> integer(QString attribute) override
     {
-        return answer(std::move(attribute), [program = m_program](const QString &name) {
-            const bool isKnown = name == u"AXNumberOfCharacters" && program->text && program->tellsCount;
-            return isKnown ? std::optional<qint64>(program->text->toUcs4().size()) : std::nullopt;
+        return answer(attribute, [attribute](View &view) {
+            const FakeProgram &program = *view.program;
+            const bool isKnown = attribute == u"AXNumberOfCharacters" && program.text && program.tellsCount;
+            return isKnown ? std::optional<qint64>(program.text->toUcs4().size()) : std::nullopt;
         });
     }
 
     Task<std::optional<TextRange>> range(QString attribute) override
     {
-        return answer(std::move(attribute), [program = m_program](const QString &name) {
-            return name == u"AXSelectedTextRange" ? program->selection : std::nullopt;
+        return answer(attribute, [attribute](View &view) {
+            return attribute == u"AXSelectedTextRange" ? view.program->selection : std::nullopt;
         });
     }
 
     Task<std::optional<QString>> text(TextRange range) override
     {
-        return answer(QStringLiteral("AXStringForRange"), [program = m_program, range](const QString &) {
-            if (!program->text || !program->answersRanges) {
+        return answer(QStringLiteral("AXStringForRange"), [range](View &view) {
+            FakeProgram &program = *view.program;
+            if (!program.text || !program.answersRanges) {
                 return std::optional<QString>();
             }
-            const QList<uint> all = program->text->toUcs4();
-            const QList<uint> piece = all.mid(range.location, range.length);
-            program->copied += piece.size();
+            const QList<uint> piece = program.text->toUcs4().mid(range.location, range.length);
+            program.copied += piece.size();
             return std::optional(
                 QString::fromUcs4(reinterpret_cast<const char32_t *>(piece.constData()), piece.size()));
         });
@@ -86,30 +89,30 @@ public:
 
     Task<std::shared_ptr<AccessibilityElement>> element(QString attribute) override
     {
-        return answer(
-            std::move(attribute),
-            [program = m_program, kind = m_kind, limits = m_limits, end = m_end](const QString &name) {
-                const bool isWindow = name == u"AXFocusedWindow" && program->windowTitle;
-                const bool isField = name == u"AXFocusedUIElement" && program->hasFocusedElement;
-                std::shared_ptr<AccessibilityElement> found;
-                if (kind == Kind::application && (isWindow || isField)) {
-                    found = std::make_shared<FakeAccessibilityElement>(
-                        program, isWindow ? Kind::window : Kind::field, limits, end);
-                }
-                return found;
-            });
+        return answer(attribute, [attribute](View &view) {
+            const bool isWindow = attribute == u"AXFocusedWindow" && view.program->windowTitle;
+            const bool isField = attribute == u"AXFocusedUIElement" && view.program->hasFocusedElement;
+            std::shared_ptr<AccessibilityElement> found;
+            if (view.kind == Kind::application && (isWindow || isField)) {
+                View seen = view;
+                seen.kind = isWindow ? Kind::window : Kind::field;
+                found = std::make_shared<FakeAccessibilityElement>(std::move(seen));
+            }
+            return found;
+        });
     }
 
     Task<bool> setAttribute(QString attribute, bool) override
     {
-        return answer(std::move(attribute), [](const QString &) { return false; });
+        return answer(attribute, [](View &) { return false; });
     }
 
 private:
-    static std::optional<QString> stringOf(FakeProgram &program, Kind kind, const QString &name)
+    static std::optional<QString> stringOf(View &view, const QString &name)
     {
-        if (kind != Kind::field) {
-            return kind == Kind::window && name == u"AXTitle" ? program.windowTitle : std::nullopt;
+        FakeProgram &program = *view.program;
+        if (view.kind != Kind::field) {
+            return view.kind == Kind::window && name == u"AXTitle" ? program.windowTitle : std::nullopt;
         }
         if (name == u"AXValue") {
             program.valuesCopied += program.copiesValue ? 1 : 0;
@@ -119,34 +122,32 @@ private:
     }
 
     template <typename Find>
-    auto answer(QString question, Find find) -> Task<decltype(find(question))>
+    auto answer(const QString &question, Find find) -> Task<std::invoke_result_t<Find, View &>>
     {
-        m_program->asked.append(question);
-        return late(m_program, m_limits, m_end, std::move(question), std::move(find));
+        m_view.program->asked.append(question);
+        return late(m_view, std::move(find));
     }
 
     template <typename Find>
-    static auto late(Program program, AccessibilityLimits limits, Clock::Monotonic end, QString question,
-                     Find find) -> Task<decltype(find(question))>
+    static auto late(View view, Find find) -> Task<decltype(find(view))>
     {
-        if (program->clock) {
-            const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - program->clock->monotonic());
-            const auto patience = std::max(std::min(limits.call, left), std::chrono::milliseconds(0));
-            co_await program->clock->after(std::min(program->delay, patience));
-            if (program->delay > patience) {
+        FakeProgram &program = *view.program;
+        if (program.clock) {
+            const auto left =
+                std::chrono::ceil<std::chrono::milliseconds>(view.end - program.clock->monotonic());
+            const auto patience = std::max(std::min(view.limits.call, left), std::chrono::milliseconds(0));
+            co_await program.clock->after(std::min(program.delay, patience));
+            if (program.delay > patience) {
                 co_return {};
             }
         }
-        if (program->answersUntilDeath-- <= 0) {
+        if (program.answersUntilDeath-- <= 0) {
             co_return {};
         }
-        co_return find(question);
+        co_return find(view);
     }
 
-    Program m_program;
-    Kind m_kind;
-    AccessibilityLimits m_limits;
-    Clock::Monotonic m_end;
+    View m_view;
 };
 
 class FakeAccessibility final : public Accessibility {
@@ -167,8 +168,9 @@ public:
             asked = std::make_shared<FakeProgram>();
             asked->answersUntilDeath = 0;
         }
-        return std::make_shared<FakeAccessibilityElement>(
-            std::move(asked), FakeAccessibilityElement::Kind::application, limits, m_asked + limits.all);
+        using Element = FakeAccessibilityElement;
+        return std::make_shared<Element>(
+            Element::View{std::move(asked), Element::Kind::application, limits, m_asked + limits.all});
     }
 
     Availability available = Availability::available();

@@ -23,13 +23,12 @@ public:
     {
     }
 
-    Availability state = Availability::available();
     std::chrono::milliseconds held{0}; ///< how long the person holds a modifier from now on
     QList<PasteboardName> pasteboards{PasteboardName::general};
     std::vector<Post> posts;
     std::function<void()> onPress; ///< what the other program does at the key-down
 
-    Availability availability() const override { return state; }
+    Availability availability() const override { return Availability::available(); }
 
     Task<bool> modifiersReleased(std::chrono::milliseconds limit) override
     {

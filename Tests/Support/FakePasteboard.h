@@ -19,7 +19,6 @@ public:
 
     QMap<PasteboardName, Board> boards;
     std::function<void()> onWrite; ///< what happens just before one; may throw
-    QString failure;               ///< the sentence that every use ends with; empty for none
     bool isPersisted = false;      ///< persist() was called
 
     static QList<PasteboardItem> item(const QString &type, const QByteArray &bytes)
@@ -46,45 +45,29 @@ public:
         return {};
     }
 
-    Availability availability() const override
-    {
-        return failure.isEmpty() ? Availability::available() : Availability::unavailable(failure);
-    }
+    Availability availability() const override { return Availability::available(); }
 
     Task<PasteboardSnapshot> read(PasteboardName board) override
     {
-        refuse();
         ++boards[board].reads;
         co_return PasteboardSnapshot{boards[board].items, !boards[board].isOwnerHanging};
     }
 
     Task<qint64> write(PasteboardName board, QList<PasteboardItem> items) override
     {
-        refuse();
         if (onWrite) {
             onWrite();
         }
         co_return replace(board, items);
     }
 
-    Task<qint64> clear(PasteboardName board) override
-    {
-        refuse();
-        co_return replace(board, {});
-    }
+    Task<qint64> clear(PasteboardName board) override { co_return replace(board, {}); }
 
     qint64 changeCount(PasteboardName board) const override { return boards[board].changeCount; }
 
     bool persist(std::chrono::milliseconds) override { return isPersisted = true; }
 
 private:
-    void refuse() const
-    {
-        if (!failure.isEmpty()) {
-            throw PasteboardError(failure);
-        }
-    }
-
     qint64 replace(PasteboardName board, const QList<PasteboardItem> &items)
     {
         boards[board].items = items;

@@ -14,19 +14,16 @@ public:
     explicit Engine(FakeSound &sound)
         : m_sound(sound)
     {
-        const std::lock_guard lock(m_sound.m_mutex);
-        m_sound.m_engines.push_back(this);
+        m_sound.locked([this] { m_sound.m_engines.push_back(this); });
     }
     ~Engine() override
     {
-        const std::lock_guard lock(m_sound.m_mutex);
-        std::erase(m_sound.m_engines, this);
+        m_sound.locked([this] { std::erase(m_sound.m_engines, this); });
     }
 
     void setCurrentDevice(std::optional<AudioDeviceID> device) override
     {
-        const std::lock_guard lock(m_sound.m_mutex);
-        m_current = device;
+        m_sound.locked([&] { m_current = device; });
     }
     AudioFormat inputFormat() override
     {
@@ -45,8 +42,7 @@ public:
     }
     void removeTap() override
     {
-        const std::lock_guard lock(m_sound.m_mutex);
-        m_tap = {};
+        m_sound.locked([this] { m_tap = {}; });
     }
     void prepare() override {}
     void start() override
@@ -64,18 +60,15 @@ public:
     }
     bool isRunning() const override
     {
-        const std::lock_guard lock(m_sound.m_mutex);
-        return m_recorded != 0;
+        return m_sound.locked([this] { return m_recorded != 0; });
     }
     void stop() override
     {
-        const std::lock_guard lock(m_sound.m_mutex);
-        m_recorded = 0;
+        m_sound.locked([this] { m_recorded = 0; });
     }
     void setConfigurationChangeHandler(std::function<void()> handler) override
     {
-        const std::lock_guard lock(m_sound.m_mutex);
-        m_handler = std::move(handler);
+        m_sound.locked([&] { m_handler = std::move(handler); });
     }
 
     // The rest under the mutex:
@@ -126,10 +119,7 @@ FakeSound::FakeSound(Source source)
 
 FakeSound::~FakeSound()
 {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_isEnding = true;
-    }
+    locked([this] { m_isEnding = true; });
     m_ended.notify_all();
     if (m_player.joinable()) {
         m_player.join();
@@ -138,8 +128,7 @@ FakeSound::~FakeSound()
 
 void FakeSound::setFormat(const AudioFormat &format)
 {
-    const std::lock_guard lock(m_mutex);
-    m_format = format;
+    locked([&] { m_format = format; });
 }
 
 void FakeSound::deliver(const AudioBlock &block, AudioEngine::CaptureTime captured)
@@ -241,8 +230,7 @@ void FakeSound::reportChange()
 
 int FakeSound::engineCount() const
 {
-    const std::lock_guard lock(m_mutex);
-    return static_cast<int>(m_engines.size());
+    return locked([this] { return static_cast<int>(m_engines.size()); });
 }
 
 int FakeSound::recordings() const

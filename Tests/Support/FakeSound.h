@@ -82,6 +82,12 @@ private:
         return found == m_devices.end() ? nullptr : &*found;
     }
     const Device *running(AudioDeviceID id) const { return m_isUp ? find(&Device::id, id) : nullptr; }
+    template <typename Work>
+    auto locked(Work work) const
+    {
+        const std::lock_guard lock(m_mutex);
+        return work();
+    }
     /// Changes the computer, and tells the engines.
     void change(const std::function<void()> &how);
     void play();

@@ -1,4 +1,4 @@
-#include "Support/HttpMessage.h"
+#include "Support/VeskServer.h"
 
 #include <QJsonDocument>
 
@@ -33,19 +33,13 @@ QByteArray parameter(const QByteArray &value, const QByteArray &name)
     return value.mid(from, value.indexOf('"', from) - from);
 }
 
-std::optional<MultipartPart> parsePart(const QByteArray &bytes)
+MultipartPart parsePart(const QByteArray &bytes)
 {
     const qsizetype blank = bytes.indexOf("\r\n\r\n");
-    if (blank < 0) {
-        return std::nullopt;
-    }
     const HttpHeaders headers = parseHeaders(bytes.left(blank));
     const QByteArray disposition = header(headers, "Content-Disposition").value_or(QByteArray());
-    if (!disposition.startsWith("form-data; name=\"")) {
-        return std::nullopt;
-    }
-    return MultipartPart{parameter(disposition, "name"), parameter(disposition, "filename"),
-                         header(headers, "Content-Type").value_or(QByteArray()), bytes.mid(blank + 4)};
+    return {parameter(disposition, "name"), parameter(disposition, "filename"),
+            header(headers, "Content-Type").value_or(QByteArray()), bytes.mid(blank + 4)};
 }
 
 } // namespace
@@ -66,24 +60,21 @@ std::optional<std::vector<MultipartPart>> ReceivedRequest::parts() const
 {
     const QByteArray type = header(headers, "Content-Type").value_or(QByteArray());
     const QByteArray prefix = "multipart/form-data; boundary=";
-    if (!type.startsWith(prefix) || type.size() == prefix.size()) {
+    if (!type.startsWith(prefix)) {
         return std::nullopt;
     }
-    const QByteArray delimiter = "\r\n--" + type.mid(prefix.size());
+    const QByteArray delimiter = "\r\n--" + type.mid(prefix.size()) + "\r\n";
+    const QByteArray end = delimiter.chopped(2) + "--\r\n";
     const QByteArray bytes = "\r\n" + body; // so that the first delimiter looks like the others
-    std::vector<MultipartPart> parts;
-    qsizetype at = bytes.startsWith(delimiter) ? delimiter.size() : -1;
-    while (at >= 0 && bytes.mid(at, 2) == "\r\n") {
-        const qsizetype end = bytes.indexOf(delimiter, at + 2);
-        const auto part = end < 0 ? std::nullopt : parsePart(bytes.mid(at + 2, end - at - 2));
-        if (!part) {
-            return std::nullopt;
-        }
-        parts.push_back(*part);
-        at = end + delimiter.size();
-    }
-    if (at < 0 || bytes.mid(at) != "--\r\n") {
+    if (!bytes.startsWith(delimiter) || !bytes.endsWith(end)) {
         return std::nullopt;
+    }
+    std::vector<MultipartPart> parts;
+    for (qsizetype at = 0, next = 0; next >= 0; at = next) {
+        next = bytes.indexOf(delimiter, at + 1);
+        const qsizetype from = at + delimiter.size();
+        const qsizetype to = next >= 0 ? next : bytes.size() - end.size();
+        parts.push_back(parsePart(bytes.mid(from, to - from)));
     }
     return parts;
 }

@@ -3,6 +3,8 @@
 #include "Foundation/VeskError.h"
 #include "Support/Await.h"
 
+#include <gmock/gmock.h>
+
 using namespace Qt::StringLiterals;
 
 namespace vesk::test {
@@ -49,12 +51,8 @@ void SoundContract::expectNoMicrophone()
 {
     Recording nothing;
     AudioInput second(rig().devices(), rig().engines());
-    try {
-        second.start(u"system"_s, nothing.consumer());
-        ADD_FAILURE() << "the recording began";
-    } catch (const VeskError &error) {
-        EXPECT_EQ(error.errorCase(), VeskError::Case::noMicrophone);
-    }
+    EXPECT_THAT([&] { second.start(u"system"_s, nothing.consumer()); },
+                testing::Throws<VeskError>(VeskError::noMicrophone()));
     EXPECT_EQ(second.stats().device, u"?");
 }
 
@@ -99,12 +97,13 @@ TEST_P(SoundContract, aHeadsetThatIsTheDefaultIsPassedOverForTheComputersOwnInAu
     plug(u"inside"_s, After, AudioTransport::builtIn);
     EXPECT_TRUE(eventually([&] { return names(rig().devices()).size() == 3; }));
     for (const auto &[mode, tone, name] :
-         {std::tuple(u"auto"_s, After, u"The inside"_s), {u"system"_s, Before, u"The headset"_s}}) {
+         {std::tuple(u"system"_s, Before, u"The headset"_s), {u"auto"_s, After, u"The inside"_s}}) {
         input.start(mode, recording.consumer());
         EXPECT_TRUE(recording.awaitTone(tone)) << mode.toStdString();
         EXPECT_EQ(input.stats().device, name);
-        input.stop();
     }
+    rig().unplug(u"inside"_s);
+    EXPECT_TRUE(recording.awaitTone(Before)) << "the default replaces it";
 }
 
 TEST_P(SoundContract, anotherDefaultIsFollowedAndAnUnpluggedDeviceReplaced)
@@ -119,17 +118,6 @@ TEST_P(SoundContract, anotherDefaultIsFollowedAndAnUnpluggedDeviceReplaced)
     rig().unplug(u"webcam"_s);
     EXPECT_TRUE(recording.awaitTone(Before));
     EXPECT_GE(input.stats().restarts, 2);
-}
-
-TEST_P(SoundContract, aChosenDeviceThatIsUnpluggedIsReplacedByTheDefault)
-{
-    plug(u"headset"_s, After, AudioTransport::bluetooth);
-    plug(u"inside"_s, Before, AudioTransport::builtIn);
-    EXPECT_TRUE(eventually([&] { return names(rig().devices()).size() == 2; }));
-    input.start(u"auto"_s, recording.consumer());
-    EXPECT_TRUE(recording.awaitTone(Before));
-    rig().unplug(u"inside"_s);
-    EXPECT_TRUE(recording.awaitTone(After));
 }
 
 TEST_P(SoundContract, withoutTheLastMicrophoneNothingOfTheSpeakerIsHeardAndTheNextOneIs)

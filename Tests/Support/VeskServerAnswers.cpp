@@ -3,9 +3,8 @@
 
 #include "Support/VeskServer.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
-#include <QStringList>
+#include <QRegularExpression>
 
 namespace vesk {
 
@@ -24,72 +23,32 @@ HttpAnswer failure(int status, const QString &code, const QString &message)
 }
 
 /// Without hesitations, with a capital letter and a full stop.
-QString cleaned(const QString &transcript)
+QString cleaned(QString transcript)
 {
-    QStringList words = transcript.split(u' ', Qt::SkipEmptyParts);
-    words.removeIf([](const QString &word) {
-        return word.compare("um"_L1, Qt::CaseInsensitive) == 0
-            || word.compare("uh"_L1, Qt::CaseInsensitive) == 0;
-    });
-    QString text = words.join(u' ');
+    static const QRegularExpression hesitations(u"\\b(um|uh)\\b"_s,
+                                                QRegularExpression::CaseInsensitiveOption);
+    QString text = transcript.remove(hesitations).simplified();
     if (!text.isEmpty()) {
         text[0] = text[0].toUpper();
-        if (!text.endsWith(u'.')) {
-            text += u'.';
-        }
+        text += text.endsWith(u'.') ? u""_s : u"."_s;
     }
     return text;
 }
 
-HttpAnswer dictationAnswer(const ReceivedRequest &request)
-{
-    const auto parts = request.parts();
-    if (!parts || parts->empty() || parts->back().name != "audio" || parts->back().content.isEmpty()) {
-        return failure(400, u"no_audio"_s, u"The recording is missing."_s);
-    }
-    const QString raw = u"um this is what was said"_s;
-    const QString text = cleaned(raw);
-    return json(200, {{u"text"_s, text}, {u"raw"_s, raw}, {u"words"_s, text.count(u' ') + 1}});
-}
-
-HttpAnswer commandAnswer(const ReceivedRequest &request)
-{
-    QString selection;
-    QString instruction = u"make it loud"_s; // as if heard in a recording
-    for (const MultipartPart &part : request.parts().value_or(std::vector<MultipartPart>())) {
-        if (part.name == "selection") {
-            selection = QString::fromUtf8(part.content);
-        } else if (part.name == "instruction") {
-            instruction = QString::fromUtf8(part.content);
-        }
-    }
-    const QString text = selection.toUpper();
-    return json(200,
-                {{u"text"_s, text}, {u"unchanged"_s, text == selection}, {u"instruction"_s, instruction}});
-}
-
 HttpAnswer languageAnswer(const ReceivedRequest &request)
 {
-    const QJsonObject asked = request.json();
-    const QString question = asked.value("question"_L1).toString(u"what was missed"_s);
     if (request.path == "cleanup") {
-        return json(200, {{u"text"_s, cleaned(asked.value("transcript"_L1).toString())}});
+        return json(200, {{u"text"_s, cleaned(request.json().value("transcript"_L1).toString())}});
     }
-    if (request.path == "dictation") {
-        return dictationAnswer(request);
-    }
-    if (request.path == "command") {
-        return commandAnswer(request);
-    }
-    if (request.path == "notes/summary") {
-        return json(200, {{u"title"_s, u"A meeting"_s}, {u"summary"_s, u"- Somebody said something."_s}});
-    }
-    if (request.path == "notes/ask") {
-        return json(200, {{u"answer"_s, QString(u"About this note: " + question)}});
-    }
-    if (request.path == "notes/ask-all") {
-        const qsizetype count = asked.value("notes"_L1).toArray().size();
-        return json(200, {{u"answer"_s, u"About %1 notes: %2"_s.arg(count).arg(question)}});
+    static const QHash<QByteArray, QByteArray> Answers = {
+        {"dictation", R"({"text":"This is what was said.","raw":"um this is what was said","words":5})"},
+        {"command", R"({"text":"AS IT WAS","unchanged":false,"instruction":"make it loud"})"},
+        {"notes/summary", R"({"title":"A meeting","summary":"- Somebody said something."})"},
+        {"notes/ask", R"({"answer":"About this note."})"},
+        {"notes/ask-all", R"({"answer":"About all notes."})"},
+    };
+    if (Answers.contains(request.path)) {
+        return jsonAnswer(Answers[request.path]);
     }
     return failure(404, u"not_found"_s, u"There is no such operation."_s);
 }

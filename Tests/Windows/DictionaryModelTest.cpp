@@ -4,7 +4,6 @@
 #include "Windows/SettingsStore.h"
 
 #include <QAbstractItemModelTester>
-#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -14,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class DictionaryModelTest : public testing::Test {
+class DictionaryModelTest : public HomeTest {
 protected:
     DictionaryModelTest()
     {
@@ -27,7 +26,6 @@ protected:
     static QString inFile() { return Config::load().vocabulary.join(u'|'); }
     bool rename(int row, const QString &name) { return words.setData(words.index(row), name, Qt::EditRole); }
 
-    bool isEmptied = (emptyTestHome(), true); // before the settings are read
     SettingsStore settings;
     DictionaryModel words{settings};
     QAbstractItemModelTester tester{&words, QAbstractItemModelTester::FailureReportingMode::Fatal};
@@ -99,36 +97,6 @@ TEST_F(DictionaryModelTest, wordsAddedByHandSurviveWhatWasBegunBefore)
     EXPECT_FALSE(words.undoStack().canUndo()) << "an older step would take the new word away";
     words.remove({words.index(0)});
     EXPECT_EQ(inFile(), u"Łódź|rsync|by hand");
-}
-
-TEST_F(DictionaryModelTest, fiveThousandWordsAreOneWriteAndOneStep)
-{
-    QStringList many;
-    for (int i = 0; i < 5000; ++i) {
-        many.append(u"word %1"_s.arg(i));
-    }
-    int writes = 0;
-    QObject::connect(&settings, &SettingsStore::changed, [&] { ++writes; });
-
-    words.addLines(many.join(u'\n'));
-
-    EXPECT_EQ(writes, 1);
-    EXPECT_EQ(words.rowCount(), 5003);
-    EXPECT_EQ(Config::load().vocabulary.last(), u"word 4999");
-    words.undoStack().undo();
-    EXPECT_EQ(inFile(), u"Vesk|Łódź|rsync");
-}
-
-TEST_F(DictionaryModelTest, aWriteThatFailsLeavesTheListAsTheFileIs)
-{
-    const QString library = testHome() + u"/Library";
-    ASSERT_TRUE(QFile::rename(library, testHome() + u"/away"));
-    ASSERT_TRUE(QFile(library).open(QIODevice::WriteOnly));
-
-    words.addLines(u"lost"_s);
-
-    EXPECT_FALSE(said.isEmpty());
-    EXPECT_FALSE(words.text().contains(u"lost"));
 }
 
 } // namespace vesk

@@ -15,17 +15,10 @@ namespace {
 
 Dictation dictation(const QString &text, const QDateTime &date = QDateTime::currentDateTimeUtc())
 {
-    Dictation made;
-    made.date = date;
-    made.kind = u"dictation"_s;
-    made.appName = u"Thunderbird"_s;
-    made.raw = u"um "_s + text;
-    made.text = text;
-    made.seconds = 1.5;
-    return made;
+    return {QUuid::createUuid(), date, u"dictation"_s, u"Thunderbird"_s, u"um "_s + text, text, 1.5};
 }
 
-class HistoryModelTest : public testing::Test {
+class HistoryModelTest : public HomeTest {
 protected:
     HistoryModelTest()
     {
@@ -41,7 +34,6 @@ protected:
         return texts.join(u'|');
     }
 
-    bool isEmptied = (emptyTestHome(), true);
     HistoryStore store;
     HistoryModel model{store};
     HistoryFilter filter{model};
@@ -63,20 +55,13 @@ TEST_F(HistoryModelTest, rowsFollowTheStoreWithoutStartingAfresh)
     EXPECT_EQ(two.row(), 1) << "what was selected is still selected";
     store.remove(store.entries().at(1).id);
     EXPECT_FALSE(two.isValid());
-    store.remove(store.entries().last().id);
+    const QPersistentModelIndex one = model.index(1);
+    store.remove(store.entries().first().id);
+    EXPECT_EQ(one.row(), 0) << "of two rows, the one that stays";
+    EXPECT_EQ(shown(), u"one");
     store.remove(store.entries().last().id);
     EXPECT_EQ(shown(), QString());
     EXPECT_EQ(resets, 0);
-}
-
-TEST_F(HistoryModelTest, ofTwoRowsTheOneThatStaysIsKept)
-{
-    store.append(dictation(u"older"_s));
-    store.append(dictation(u"newer"_s));
-    const QPersistentModelIndex older = model.index(1);
-    store.remove(store.entries().first().id);
-    EXPECT_EQ(older.row(), 0);
-    EXPECT_EQ(shown(), u"older");
 }
 
 TEST_F(HistoryModelTest, atTheCapTheOldestRowGoesAsTheNewestComes)

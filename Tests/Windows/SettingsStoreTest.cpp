@@ -16,10 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class SettingsStoreTest : public testing::Test {
+class SettingsStoreTest : public HomeTest {
 protected:
-    SettingsStoreTest() { emptyTestHome(); }
-
     /// As an editor does it that writes into the file itself.
     static void writeInPlace(const QByteArray &content)
     {

@@ -16,7 +16,7 @@ namespace {
 
 const Availability Gone = Availability::unavailable(u"It is gone."_s);
 
-class SetupModelTest : public testing::Test {
+class SetupModelTest : public HomeTest {
 protected:
     Requirement find(Kind kind) const { return find(kind, model); }
 
@@ -30,7 +30,6 @@ protected:
         throw std::runtime_error("no such requirement");
     }
 
-    bool isEmptied = (emptyTestHome(), true);
     ManualClock clock;
     test::WindowsRig rig{clock};
     SetupModel model{rig.services()};
@@ -71,15 +70,6 @@ TEST_F(SetupModelTest, theMicrophoneInUseIsNamedAndNoneIsMissing)
     rig.desktop.sound.unplug(u"microphone in the lid"_s);
     EXPECT_FALSE(model.isReady());
     EXPECT_EQ(find(Kind::microphone).sentence, u"No microphone found");
-}
-
-TEST_F(SetupModelTest, turnsGreenByItselfWhileSomebodyLooks)
-{
-    rig.desktop.recording = Gone;
-    model.setWatching(true);
-    EXPECT_EQ(find(Kind::microphone).state, State::missing);
-    rig.desktop.recording = Availability::available();
-    EXPECT_TRUE(eventually([&] { return find(Kind::microphone).state == State::met; }));
 }
 
 TEST_F(SetupModelTest, theDiskIsLeftAloneWhileTheModelIsThere)
