@@ -1,12 +1,11 @@
 #include "Dictation/LiveDictation.h"
 
 #include "Platform/Linux/Speech/FfmpegAudioConverter.h"
+#include "Support/AnalyzerContract.h"
 #include "Support/Await.h"
 #include "Support/FakeSound.h"
 #include "Support/FakeSpeech.h"
 #include "Support/Tones.h"
-
-#include <gmock/gmock.h>
 
 namespace vesk {
 
@@ -49,13 +48,28 @@ protected:
     std::vector<float> levels; ///< of the thread that delivers, which the test waits for
 };
 
+std::unique_ptr<SpeechAnalyzer> fakeAnalyzer(bool isInstalled)
+{
+    QList<SpeechResult> results = {said(u"One"_s, 1), said(u"two  three."_s, 2)};
+    return isInstalled ? std::make_unique<FakeSpeechAnalyzer>(results, nullptr)
+                       : std::make_unique<FakeSpeechAnalyzer>(
+                             QList<SpeechResult>(), std::make_exception_ptr(VeskError::noSpeechModel()));
+}
+
 } // namespace
+
+INSTANTIATE_TEST_SUITE_P(fake, AnalyzerContract,
+                         testing::Values(AnalyzerRig{"fake",
+                                                     [] { return fakeAnalyzer(true); },
+                                                     [] { return fakeAnalyzer(false); },
+                                                     [] { return tone({16000, 1}, 440, 16000); },
+                                                     {u"one"_s, u"two"_s, u"three"_s}}),
+                         [](const auto &rig) { return rig.param.name; });
 
 TEST_F(LiveDictationTest, whatIsSaidWhileTheKeyIsHeldBecomesTheText)
 {
     LiveDictation dictation(services());
-    start(dictation, {u"QCoro"_s});
-    EXPECT_EQ(models.lastAnalyzer->contextualStrings, QStringList{u"QCoro"_s});
+    start(dictation);
     for (int i = 0; i < 10; ++i) {
         sound.deliver(tone({48000, 2}, 440, 2048));
     }
@@ -92,63 +106,86 @@ TEST_F(LiveDictationTest, piecesAreJoinedByOneBlankAndRunsOfWhiteSpaceCollapse)
 TEST_F(LiveDictationTest, whatWasNeverStartedSaysNothing)
 {
     LiveDictation dictation(services());
+    EXPECT_FALSE(dictation.setup());
     EXPECT_EQ(awaited(dictation.finish()), QString());
-    LiveDictation(services()).cancel();
+    LiveDictation cancelled(services());
+    cancelled.cancel();
 }
 
 TEST_F(LiveDictationTest, whatPreventsTheStartIsThrownToEveryoneWhoAsks)
 {
-    const std::tuple<QString, std::function<void()>, VeskError> rows[] = {
-        {u"bg-BG"_s, [] {}, VeskError::unsupportedLocale(u"bg-BG"_s)},
-        {u"en-US"_s, [this] { models.isInstalled = false; }, VeskError::noSpeechModel()},
-        {u"en-US"_s, [this] { sound.setDenied(true); }, VeskError::microphoneDenied()},
-        {u"en-US"_s, [this] { sound.unplug(u"microphone"_s); }, VeskError::noMicrophone()},
+    const std::pair<std::function<void()>, VeskError> rows[] = {
+        {[] {}, VeskError::unsupportedLocale(u"bg-BG"_s)},
+        {[this] { models.isInstalled = false; }, VeskError::noSpeechModel()},
+        {[this] { sound.setDenied(true); }, VeskError::microphoneDenied()},
+        {[this] { sound.unplug(u"microphone"_s); }, VeskError::noMicrophone()},
     };
-    for (const auto &[locale, arrange, expected] : rows) {
+    QString locale = u"bg-BG"_s;
+    for (const auto &[arrange, expected] : rows) {
         arrange();
         LiveDictation dictation(services());
-        dictation.start(locale, {}, u"auto"_s, {});
-        const auto isWhy = testing::Throws<VeskError>(expected);
-        EXPECT_THAT([&] { awaitSetup(dictation); }, isWhy);
-        EXPECT_THAT([&] { awaited(dictation.finish()); }, isWhy);
+        dictation.start(std::exchange(locale, u"en-US"_s), {}, u"auto"_s, {});
+        const std::function<void()> actions[] = {[&] { awaitSetup(dictation); },
+                                                 [&] { awaitSetup(dictation); },
+                                                 [&] { awaited(dictation.finish()); }};
+        for (const auto &action : actions) {
+            try {
+                action();
+                ADD_FAILURE() << "nothing was thrown: " << expected.what();
+            } catch (const VeskError &error) {
+                EXPECT_EQ(error, expected);
+            }
+        }
         EXPECT_EQ(sound.recordings(), 0);
         models.isInstalled = true;
         sound.setDenied(false);
     }
 }
 
-TEST_F(LiveDictationTest, cancelledOrDroppedItReleasesTheMicrophoneAndTheRecogniser)
+TEST_F(LiveDictationTest, aCancelledDictationReleasesTheMicrophoneAndTheRecogniser)
 {
-    auto cancelled = std::make_unique<LiveDictation>(services());
-    start(*cancelled);
-    EXPECT_EQ(models.lastAnalyzer->contextualStrings, std::nullopt) << "there are no words to hand on";
-    cancelled->cancel();
-    EXPECT_TRUE(eventually([this] { return sound.recordings() == 0; }));
-    EXPECT_TRUE(eventually([this] { return models.lastAnalyzer->isCancelled; }));
-    cancelled.reset();
-
-    auto dropped = std::make_unique<LiveDictation>(services());
-    start(*dropped);
-    dropped.reset();
+    {
+        LiveDictation cancelled(services());
+        start(cancelled);
+        EXPECT_EQ(sound.recordings(), 1);
+        cancelled.cancel();
+        EXPECT_TRUE(eventually([this] { return sound.recordings() == 0; }));
+        EXPECT_TRUE(eventually([this] { return models.lastAnalyzer->isCancelled; }));
+        cancelled.cancel();
+    }
+    {
+        LiveDictation dropped(services());
+        start(dropped);
+    }
     EXPECT_TRUE(eventually([this] { return sound.recordings() == 0; }));
 }
 
-TEST_F(LiveDictationTest, theOutcomeArrivesAlsoWhenTheDictationIsDroppedMeanwhile)
+TEST_F(LiveDictationTest, aRecogniserThatFailsHalfWayIsTheOutcome)
 {
-    for (const bool isFailing : {false, true}) {
-        if (isFailing) { // half-way
-            models.failure = std::make_exception_ptr(AudioFileError(u"the recogniser broke"_s));
-        }
-        auto dictation = std::make_unique<LiveDictation>(services());
-        start(*dictation);
-        sound.deliver(tone({48000, 2}, 440, 2048));
-        Task<QString> text = dictation->finish();
-        dictation.reset();
-        if (isFailing) {
-            EXPECT_THROW(awaited(std::move(text)), AudioFileError);
-        } else {
-            EXPECT_EQ(awaited(std::move(text)), u"One two three."_s);
-        }
+    models.failure = std::make_exception_ptr(AudioFileError(u"the recogniser broke"_s));
+    LiveDictation dictation(services());
+    start(dictation);
+    sound.deliver(tone({48000, 2}, 440, 2048));
+    EXPECT_THROW(awaited(dictation.finish()), AudioFileError);
+}
+
+TEST_F(LiveDictationTest, theTextArrivesEvenWhenTheDictationIsDroppedMeanwhile)
+{
+    auto dictation = std::make_unique<LiveDictation>(services());
+    start(*dictation);
+    sound.deliver(tone({48000, 2}, 440, 2048));
+    Task<QString> text = dictation->finish();
+    dictation.reset();
+    EXPECT_EQ(awaited(std::move(text)), u"One two three."_s);
+}
+
+TEST_F(LiveDictationTest, onlyAVocabularyThatHoldsSomethingIsHandedOn)
+{
+    for (const QStringList &vocabulary : {QStringList(), QStringList{u"QCoro"_s}}) {
+        LiveDictation dictation(services());
+        start(dictation, vocabulary);
+        EXPECT_EQ(models.lastAnalyzer->contextualStrings,
+                  vocabulary.isEmpty() ? std::nullopt : std::optional(vocabulary));
     }
 }
 

@@ -6,7 +6,7 @@
 #include <QDir>
 #include <QFile>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 namespace vesk {
@@ -45,11 +45,14 @@ TEST_F(FilesTest, replacingMakesAWorldReadableFilePrivate)
 TEST_F(FilesTest, aFullDiskLeavesTheOldContentWholeAndNothingElseBehind)
 {
     put(at(u"a.json"), "everything the person had");
-    const auto replace = [] {
+    try {
         const FullDisk disk(64);
         Files::replace(at(u"a.json"), QByteArray(100'000, 'x'));
-    };
-    EXPECT_THAT(replace, testing::Throws<FileError>(testing::Property(&FileError::errorNumber, EFBIG)));
+        ADD_FAILURE() << "the disk was not full";
+    } catch (const FileError &error) {
+        EXPECT_EQ(error.errorNumber(), EFBIG);
+        EXPECT_TRUE(error.errorDescription().contains(u"a.json"));
+    }
     EXPECT_EQ(Files::read(at(u"a.json")), "everything the person had");
     EXPECT_EQ(filesInHome(), QStringList{QStringLiteral("a.json")});
 }
@@ -82,6 +85,15 @@ TEST_F(FilesTest, whatIsNoRegularFileIsRefusedAtOnce)
         SCOPED_TRACE(name.toString().toStdString());
         EXPECT_THROW(Files::read(at(name)), FileError);
     }
+}
+
+TEST_F(StorageTest, appendingCreatesFolderAndFileAndKeepsThemPrivate)
+{
+    const QString path = at(u"Library/Deep/history.jsonl");
+    Storage::append("first\n", path);
+    EXPECT_EQ(modeOf(path), Private);
+    Storage::append("second\n", path);
+    EXPECT_EQ(Files::read(path), "first\nsecond\n");
 }
 
 TEST_F(StorageTest, failuresAreSilentAndLoseNothing)

@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <mutex>
 
 namespace vesk {
 
@@ -28,16 +29,21 @@ public:
         sayAll();
     }
 
-    void start() override {}
+    void start() override { isLive = true; }
 
     void feed(AudioBlock block) override
     {
-        heard.format = block.format;
-        heard.samples.insert(heard.samples.end(), block.samples.begin(), block.samples.end());
+        const std::lock_guard lock(m_mutex);
+        if (isLive && !m_isOver) {
+            heard.format = block.format;
+            heard.samples.insert(heard.samples.end(), block.samples.begin(), block.samples.end());
+        }
     }
 
     void finish() override
     {
+        const std::lock_guard lock(m_mutex);
+        m_isOver = true;
         const bool isSilent = std::ranges::all_of(heard.samples, [](float sample) { return sample == 0; });
         QTimer::singleShot(0, &m_later, [this, isSilent] {
             if (!isCancelled && !isSilent) {
@@ -57,6 +63,7 @@ public:
     Task<std::optional<SpeechResult>> nextResult() override { return m_results.next(); }
 
     std::optional<QStringList> contextualStrings;
+    bool isLive = false;
     bool isCancelled = false;
     AudioBlock heard; ///< all that was fed
 
@@ -71,6 +78,8 @@ private:
 
     QList<SpeechResult> m_script;
     std::exception_ptr m_failure;
+    std::mutex m_mutex; ///< guards what feed() touches
+    bool m_isOver = false;
     Channel<SpeechResult> m_results;
     QObject m_later; ///< whose end ends what is still to come
 };

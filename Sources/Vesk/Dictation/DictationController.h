@@ -116,9 +116,9 @@ private:
         Focus focus;
         bool isCommand = false;
         bool isRetry = false;
-        Time start;                       ///< the release: where every logged time begins
-        double seconds = 0;               ///< length of the recording
-        std::optional<QString> note = {}; ///< for the person, whatever comes of it
+        Time start;                  ///< the release: where every logged time begins
+        double seconds = 0;          ///< length of the recording
+        std::optional<QString> note; ///< for the person, whatever comes of it
     };
     struct Outcome {
         QString how; ///< for the log

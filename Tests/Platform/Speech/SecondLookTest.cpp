@@ -26,22 +26,33 @@ std::vector<float> voice(std::size_t seconds, bool hasPauses = false)
     return samples;
 }
 
-using Hears = std::function<bool(std::size_t length, float noise)>;
+/// A model that writes "w" and the seconds where a piece begins and ends, five letters for each second, when
+/// the piece suits it.
+class Model {
+public:
+    explicit Model(std::function<bool(std::size_t length, float noise)> hears)
+        : m_hears(std::move(hears))
+    {
+    }
 
-/// What comes of a model that writes the second where a piece begins and five letters for each second of it,
-/// when the piece suits it.
-QString listen(const std::vector<float> &samples, const Hears &hears, int &decodes)
-{
-    return hearAll(samples, [&](std::span<const float> piece, float noise) {
-        ++decodes;
-        if (!hears(piece.size(), noise)) {
-            return QString();
-        }
-        const auto from = static_cast<std::size_t>(piece.data() - samples.data());
-        const auto letters = static_cast<qsizetype>((piece.size() * 5 + Second - 1) / Second);
-        return QString(QString::number(double(from) / Second, 'f', 0) + u'-' + QString(letters, u'w'));
-    });
-}
+    QString listen(const std::vector<float> &samples)
+    {
+        return hearAll(samples, [&](std::span<const float> piece, float noise) {
+            ++decodes;
+            if (!m_hears(piece.size(), noise)) {
+                return QString();
+            }
+            const auto from = static_cast<std::size_t>(piece.data() - samples.data());
+            const auto letters = static_cast<qsizetype>((piece.size() * 5 + Second - 1) / Second);
+            return QString(QString::number(double(from) / Second, 'f', 0) + u'-' + QString(letters, u'w'));
+        });
+    }
+
+    int decodes = 0;
+
+private:
+    std::function<bool(std::size_t, float)> m_hears;
+};
 
 } // namespace
 
@@ -51,7 +62,7 @@ TEST(SecondLook, whatTheModelLeavesOutIsLookedAtAgain)
         const char *what;
         std::size_t seconds;
         bool hasPauses;
-        Hears hears;
+        std::function<bool(std::size_t, float)> hears;
         int decodes;
         std::size_t parts;
     } rows[] = {
@@ -63,14 +74,15 @@ TEST(SecondLook, whatTheModelLeavesOutIsLookedAtAgain)
         {"never heard", 6, false, [](std::size_t, float) { return false; }, 4, 0},
     };
     for (const auto &row : rows) {
-        int decodes = 0;
-        const QString text = listen(voice(row.seconds, row.hasPauses), row.hears, decodes);
-        SCOPED_TRACE(row.what + (": " + text.toStdString()));
-        EXPECT_EQ(decodes, row.decodes);
+        Model model(row.hears);
+        const QString text = model.listen(voice(row.seconds, row.hasPauses));
+        EXPECT_EQ(model.decodes, row.decodes) << row.what << ": " << text.toStdString();
         const QStringList parts = text.split(u' ', Qt::SkipEmptyParts);
-        EXPECT_EQ(static_cast<std::size_t>(parts.size()), row.parts);
+        EXPECT_EQ(static_cast<std::size_t>(parts.size()), row.parts)
+            << row.what << ": " << text.toStdString();
         EXPECT_TRUE(std::ranges::is_sorted(
-            parts, {}, [](const QString &part) { return part.section(u'-', 0, 0).toInt(); }));
+            parts, {}, [](const QString &part) { return part.section(u'-', 0, 0).toInt(); }))
+            << row.what << ": " << text.toStdString();
     }
 }
 

@@ -12,6 +12,8 @@ TEST(SentenceJoin, onlyWhatTheCutMadeIsTakenBack)
         // the sentence goes on
         {u"And so, ask not."_s, u"What your country can do for you."_s, 0.96,
          u"And so, ask not what your country can do for you."_s},
+        {u"An all-eating shame."_s, u"And thriftless praise."_s, 0.3,
+         u"An all-eating shame and thriftless praise."_s},
         {u"I bought the."_s, u"Yellow house."_s, 0.4, u"I bought the yellow house."_s},
         {u"It was late."_s, u"But we stayed."_s, 0.4, u"It was late, but we stayed."_s},
         {u"Yes."_s, u"it is."_s, 0.4, u"Yes it is."_s},
@@ -33,6 +35,7 @@ TEST(SentenceJoin, onlyWhatTheCutMadeIsTakenBack)
         {u"It is the."_s, u"House."_s, 1.21, u"It is the. House."_s},
         {u"It is over."_s, u"And then."_s, 0.71, u"It is over. And then."_s},
         {u"Is it the?"_s, u"And more."_s, 0.1, u"Is it the? And more."_s},
+        {u"Stop!"_s, u"And listen."_s, 0.1, u"Stop! And listen."_s},
         // points that are part of a word
         {u"Here is Dr."_s, u"And Mrs. Smith."_s, 0.1, u"Here is Dr. And Mrs. Smith."_s},
         {u"Plan B."_s, u"And C."_s, 0.1, u"Plan B. And C."_s},
@@ -42,9 +45,12 @@ TEST(SentenceJoin, onlyWhatTheCutMadeIsTakenBack)
         {u"I met the."_s, u"NASA people."_s, 0.3, u"I met the NASA people."_s},
         {u"With."_s, u"Margaret's car."_s, 0.3, u"With Margaret's car."_s},
         {u"Back from."_s, u"Reykjavik."_s, 0.3, u"Back from Reykjavik."_s},
+        {u"On the."_s, u"McDonald farm."_s, 0.3, u"On the McDonald farm."_s},
         {u"We use the."_s, u"Rust compiler."_s, 0.3, u"We use the Rust compiler."_s},
+        {u"We use the."_s, u"Wooden table."_s, 0.3, u"We use the wooden table."_s},
         {u"He and."_s, u"2 others."_s, 0.3, u"He and 2 others."_s},
         {u""_s, u"And so."_s, 0.1, u" And so."_s},
+        {u"Over."_s, u""_s, 0.1, u"Over. "_s},
     };
     const SentenceJoin join({u"Rust"_s, u"tables"_s});
     for (auto [before, after, pause, joined] : rows) {
