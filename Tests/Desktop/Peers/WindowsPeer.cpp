@@ -149,6 +149,8 @@ private:
 
 int main(int argc, char **argv)
 {
+    // Where a GTK theme is installed, file dialogs would be GTK's.
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QCommandLineParser parser;
